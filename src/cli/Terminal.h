@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QJsonDocument>
+#include <QString>
+
+namespace velmora::cli {
+
+// A one-line progress bar on standard error, drawn only when it is a terminal,
+// so scripted and --json runs stay clean.
+class ProgressBar {
+public:
+    explicit ProgressBar(QString title);
+    ~ProgressBar();
+    void update(double percent, const QString& detail = {});
+    void finish();
+
+private:
+    QString m_title;
+    bool m_enabled;
+    bool m_finished = false;
+};
+
+// Asks a yes/no question on the terminal; anything but "y"/"yes" is a no,
+// and so is a closed or non-interactive standard input.
+bool confirm(const QString& question);
+
+bool isTerminal(int fd);
+void printOut(const QString& text);   // a line on standard output
+void printErr(const QString& text);   // a line on standard error
+void printJson(const QJsonDocument& document);
+
+// Takes a flag out of the argument list; true when it was there.
+bool takeFlag(QStringList& args, const QString& flag);
+// Takes "--name VALUE" out of the argument list; empty when absent.
+QString takeOption(QStringList& args, const QString& name);
+
+}  // namespace velmora::cli

@@ -1,0 +1,46 @@
+// velmora-cli: the application's tools for scripts and terminals, on the same
+// engine and the same history as the desktop application.
+#include "cli/LevelCommand.h"
+#include "cli/Terminal.h"
+#include "engine/erase/EraserLevel.h"
+
+#include <QCoreApplication>
+#include <functional>
+
+namespace {
+
+struct Command {
+    const char* name;
+    const char* usage;
+    std::function<int(QStringList)> run;
+};
+
+// One line per command.
+const Command kCommands[] = {
+    {"level", "level [--json] [1|2|3|7|35]      show or set the erasure level", velmora::cli::runLevelCommand},
+};
+
+void printUsage() {
+    velmora::cli::printErr("usage: velmora-cli COMMAND [ARGS]\n\ncommands:");
+    for (const Command& command : kCommands) velmora::cli::printErr(QString("  ") + command.usage);
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setOrganizationName("Velmora");
+    QCoreApplication::setApplicationName("Velmora Data Eraser");
+    QStringList args = app.arguments().mid(1);
+    if (args.isEmpty() || args.first() == "--help" || args.first() == "-h") {
+        printUsage();
+        return args.isEmpty() ? 2 : 0;
+    }
+    velmora::EraserLevel::writeDefaultIfUnset();
+    const QString name = args.takeFirst();
+    for (const Command& command : kCommands)
+        if (name == command.name) return command.run(args);
+    velmora::cli::printErr(QString("velmora-cli: unknown command \"%1\"").arg(name));
+    printUsage();
+    return 2;
+}
