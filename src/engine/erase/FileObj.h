@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QtGlobal>
+
+namespace velmora {
+
+// One file or folder of the file eraser's list. The icon is not kept here: the
+// engine has no image types, and the page draws it from the path.
+struct FileObj {
+    QString name;            // last path component
+    QString url;             // absolute path (a plain path, not a URL)
+    quint64 size = 0;        // bytes, as the file system reports the item itself
+    QString type;            // "Folder" for folder records, else the extension as typed
+    bool isDir = false;
+    bool isSelect = false;
+    QString failStr;         // "Success"/"Fail" from the engine, later "Erased"/"Failed"
+    bool isSymbolicLink = false;
+    bool isSSD = false;
+
+    // Marks a symbolic link; the list builder deliberately never calls it.
+    void setIsSymbolicLink();
+    // Hook for solid-state detection; intentionally empty.
+    void setIsSSD() {}
+};
+
+using FileObjList = QList<FileObj>;
+
+}  // namespace velmora
