@@ -1,0 +1,32 @@
+#include "gui/widgets/ImageSetButton.h"
+
+#include "gui/widgets/Style.h"
+
+namespace velmora {
+
+ImageSetButton::ImageSetButton(const QString& text, const QString& baseName, int fontSize, QWidget* parent,
+                               const QString& stateStem)
+    : QPushButton(text, parent) {
+    const QString stem = stateStem.isEmpty() ? baseName : stateStem;
+    setFont(Style::regularFont(fontSize));
+    setCursor(Qt::PointingHandCursor);
+    setMinimumSize(104, 32);
+    setStyleSheet(QString(R"(
+        QPushButton { border-image: url(%1) 15 15 15 15 stretch; border-width: 15px; padding: -15px 0px;
+                      color: white; }
+        QPushButton:hover { border-image: url(%2) 15 15 15 15 stretch; }
+        QPushButton:pressed { border-image: url(%3) 15 15 15 15 stretch; }
+        QPushButton:disabled { border-image: url(%4) 15 15 15 15 stretch; color: rgba(255,255,255,90); }
+    )").arg(Style::imagePath(baseName), Style::imagePath(stem + "_hover"), Style::imagePath(stem + "_press"),
+            Style::imagePath(stem + "_disable")));
+}
+
+ImageSetButton* ImageSetButton::secondary(const QString& text, QWidget* parent) {
+    return new ImageSetButton(text, "btn_sec", 12, parent);
+}
+
+ImageSetButton* ImageSetButton::primary(const QString& text, QWidget* parent) {
+    return new ImageSetButton(text, "btn_pril_normal", 12, parent, "btn_pril");
+}
+
+}  // namespace velmora

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QString>
+
+class QApplication;
+class QLabel;
+
+namespace velmora {
+
+// The one visual style of the application: a dark, calm surface with white text
+// and half-transparent white for secondary text.
+namespace Style {
+
+inline const QColor kWindow{0x1E, 0x22, 0x37};
+inline const QColor kSidebar{0x17, 0x1A, 0x2B};
+inline const QColor kPanel{0x26, 0x2B, 0x45};
+inline const QColor kAccent{0x5A, 0xC8, 0xD8};
+inline const QColor kText{255, 255, 255};
+inline const QColor kSecondaryText{255, 255, 255, 128};
+inline const QColor kSelection{0x34, 0x3B, 0x5E};
+
+void apply(QApplication& app);
+QString imagePath(const QString& name);  // ":/images/<name>.svg"
+QString rgba(const QColor& color);       // for style sheets
+QFont regularFont(int pointSize);
+QFont lightFont(int pointSize);
+QFont boldFont(int pointSize);
+// A label in the style: white, or half-transparent white for secondary text.
+QLabel* label(const QString& text, int pointSize, bool secondary = false, bool bold = false);
+
+}  // namespace Style
+}  // namespace velmora
