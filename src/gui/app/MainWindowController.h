@@ -16,7 +16,7 @@ class MainWindowController : public QWidget {
 public:
     static constexpr int kPageWidth = 784;
     static constexpr int kPageHeight = 600;
-    static constexpr int kSidebarWidth = 200;
+    static constexpr int kSidebarWidth = 220;
 
     explicit MainWindowController(QWidget* parent = nullptr);
 

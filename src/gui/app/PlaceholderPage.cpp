@@ -11,12 +11,10 @@ PlaceholderPage::PlaceholderPage(const QStringList& modeTitles, QWidget* parent)
     : QWidget(parent), m_modeTitles(modeTitles), m_title(Style::label(modeTitles.first(), 22, false, true)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(40, 34, 40, 40);
-    layout->addWidget(m_title);
-    layout->addStretch();
+    layout->addWidget(m_title, 0);
     QLabel* notice = Style::label("Not available yet", 16, true);
     notice->setAlignment(Qt::AlignCenter);
-    layout->addWidget(notice);
-    layout->addStretch(2);
+    layout->addWidget(notice, 1);
 }
 
 QString PlaceholderPage::title() const { return m_title->text(); }
