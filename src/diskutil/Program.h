@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace velmora::diskutil {
+
+struct ProgramResult {
+    int exitCode = 0;
+    std::string output;  // standard output and standard error, interleaved
+};
+
+// Full path of a program in PATH or in the system folders (the tool may run with a
+// reduced PATH under pkexec); empty when it is not installed.
+std::string findProgram(const std::string& name);
+
+// Runs args[0] with args, standard input from /dev/null, and waits for it.
+// Exit code 127 when the program cannot be found or started. The output is
+// collected in a memory file rather than a pipe, so a program that leaves a
+// daemon behind (a FUSE driver) cannot keep the call waiting for end of file.
+ProgramResult runProgram(const std::vector<std::string>& args);
+
+}  // namespace velmora::diskutil
