@@ -1,0 +1,76 @@
+// Failures: the error dictionary {Error, ErrorMessage, ExitCode} and a non-zero exit,
+// and a volume left as it was when an erase cannot go ahead.
+#include "diskutil/DiskUtilTestSupport.h"
+#include "diskutil/LoopVolume.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+namespace {
+
+// The error dictionary follows any progress lines the command printed before failing.
+void expectErrorDictionary(const CommandResult& result, const std::string& messagePart) {
+    EXPECT_NE(result.exitCode, 0);
+    const size_t start = result.out.find("<?xml");
+    ASSERT_NE(start, std::string::npos) << result.out;
+    const Dictionary error(result.out.substr(start));
+    ASSERT_TRUE(error.valid()) << result.out;
+    EXPECT_TRUE(error.boolean("Error"));
+    EXPECT_NE(error.string("ErrorMessage").find(messagePart), std::string::npos) << error.string("ErrorMessage");
+    EXPECT_EQ(error.integer("ExitCode"), static_cast<uint64_t>(result.exitCode));
+    EXPECT_NE(result.err.find(error.string("ErrorMessage")), std::string::npos) << result.err;
+}
+
+TEST(DiskUtilErrors, BadCommandLinesAndUnknownTargets) {
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{}, "Usage"},
+        {{"frobnicate"}, "Unknown verb: frobnicate"},
+        {{"info", "-plist"}, "Usage"},
+        {{"info", "sda1"}, "Usage"},
+        {{"list"}, "Usage"},
+        {{"rename", "only-a-target"}, "Usage"},
+        {{"reformat"}, "Usage"},
+        {{"info", "-plist", "no-such-volume-velmora"}, "Could not find disk: no-such-volume-velmora"},
+        {{"info", "-plist", "/dev/velmora-no-such-node"}, "Could not find disk"},
+        {{"eject", "/velmora/no/such/mount/point"}, "Could not find disk"},
+        {{"eraseVolume", "FAT99", "NEW", "/dev/velmora-no-such-node"}, "not appear to be a valid file system format"},
+    };
+    for (const auto& [args, messagePart] : cases) {
+        SCOPED_TRACE(testing::PrintToString(args));
+        expectErrorDictionary(runDiskUtil(args), messagePart);
+    }
+}
+
+TEST(DiskUtilErrors, EraseOfABusyVolumeFailsAndLeavesItMounted) {
+    LoopVolume volume;
+    if (!volume.setupProblem().empty()) GTEST_SKIP() << volume.setupProblem();
+    const std::string label = uniqueLabel("BZ");
+    ASSERT_EQ(volume.format("ext4", label), "");
+    const std::string mountPoint = volume.mount("ext4", label);
+    ASSERT_FALSE(mountPoint.empty());
+    std::ofstream(mountPoint + "/open.txt") << "in use";
+    std::ifstream openFile(mountPoint + "/open.txt");  // keeps the volume busy
+
+    expectErrorDictionary(runDiskUtil({"eraseVolume", "MS-DOS FAT32", "NEW", volume.node()}), "Could not unmount");
+    EXPECT_EQ(blkidValue(volume.node(), "TYPE"), "ext4");
+    EXPECT_EQ(mountPointsOf(volume.node()), std::vector<std::string>{mountPoint});
+}
+
+TEST(DiskUtilErrors, VolumesTheToolCannotRecreateAreRefusedUntouched) {
+    LoopVolume volume;
+    if (!volume.setupProblem().empty()) GTEST_SKIP() << volume.setupProblem();
+    expectErrorDictionary(runDiskUtil({"reformat", volume.node()}), "holds no file system");
+
+    const std::string label = uniqueLabel("HF");
+    ASSERT_EQ(volume.format("ext4", label), "");
+    const std::string mountPoint = volume.mount("ext4", label);
+    ASSERT_FALSE(mountPoint.empty());
+    if (programInstalled("mkfs.hfsplus")) GTEST_SKIP() << "mkfs.hfsplus is installed, so HFS+ is not refused here";
+    expectErrorDictionary(runDiskUtil({"eraseVolume", "Journaled HFS+", "MAC", volume.node()}), "not available");
+    EXPECT_EQ(blkidValue(volume.node(), "TYPE"), "ext4");
+    EXPECT_EQ(mountPointsOf(volume.node()), std::vector<std::string>{mountPoint});
+}
+
+}  // namespace
+}  // namespace velmora::test
