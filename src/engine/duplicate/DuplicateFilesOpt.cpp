@@ -1,0 +1,98 @@
+#include "engine/duplicate/DuplicateFilesOpt.h"
+
+#include "engine/duplicate/DuplicateLog.h"
+#include "engine/duplicate/PathNames.h"
+
+namespace velmora {
+
+DuplicateFilesOpt::DuplicateFilesOpt() = default;
+DuplicateFilesOpt::~DuplicateFilesOpt() = default;
+
+bool DuplicateFilesOpt::beginSearchAtPath(const QString& path, quint64 limitSize) {
+    if (m_search) {
+        qCInfo(lcDuplicate, "error need reinit");
+        return false;
+    }
+    qCInfo(lcDuplicate, " -INFO:search Path:%s  limitedsize:%llu", qUtf8Printable(path), limitSize);
+    {
+        QMutexLocker lock(&m_lastPathMutex);
+        m_lastPath = path;
+    }
+    m_search = std::make_unique<duplicateFind>();
+    m_search->setSearchOption(m_option.searchHiddenFile, m_option.searchSystemDirectory);
+    m_activeSearch.store(m_search.get());
+    return m_search->searchDuplicateFileAtPath(path, limitSize);
+}
+
+int DuplicateFilesOpt::getProgress() const {
+    const duplicateFind* search = m_activeSearch.load();
+    return search ? search->getProgress() : 0;
+}
+
+void DuplicateFilesOpt::stopSearch() {
+    if (duplicateFind* search = m_activeSearch.load()) search->stopSearch();
+}
+
+QString DuplicateFilesOpt::getCurrentSearchFile() {
+    const duplicateFind* search = m_activeSearch.load();
+    const QString current = search ? search->getCurrentSearchPath() : QString();
+    QMutexLocker lock(&m_lastPathMutex);
+    if (!current.isEmpty()) m_lastPath = current;
+    return m_lastPath;
+}
+
+namespace {
+
+SimpleTreeNode::Pointer makeLeaf(const QString& path, quint64 size, const QDateTime& modified) {
+    SimpleNodeData data = SimpleNodeData::leafDataWithName(path);
+    data.fileSize = size;
+    data.modificationDate = modified;
+    return SimpleTreeNode::create(std::move(data));
+}
+
+SimpleTreeNode::Pointer makeGroup(const QString& name, const QString& extension) {
+    SimpleNodeData data = SimpleNodeData::groupDataWithName(name);
+    data.extendName = extension;
+    return SimpleTreeNode::create(std::move(data));
+}
+
+void appendLeaf(SimpleTreeNode& group, const SimpleTreeNode::Pointer& leaf) {
+    group.data().fileSize += leaf->data().fileSize;
+    group.appendChild(leaf);
+}
+
+}  // namespace
+
+bool DuplicateFilesOpt::getDuplicateFiles(SimpleTreeNode::Pointer& out) {
+    if (!m_search) return false;
+    const QList<fileAttrbItem>& files = m_search->getAllDuplicateFile();
+    const QList<QList<AppAttrbItem>>& appGroups = m_search->getAllAppDuplicateDir();
+    if (files.isEmpty() && appGroups.isEmpty()) return false;
+
+    SimpleTreeNode::Pointer root = makeGroup("Root", {});
+    for (const QList<AppAttrbItem>& members : appGroups) {
+        SimpleTreeNode::Pointer group = makeGroup(members.last().DirectoryName, "APP");
+        for (const AppAttrbItem& bundle : members)
+            appendLeaf(*group, makeLeaf(bundle.DirectoryPathName, bundle.DirectorySize, {}));
+        root->appendChild(group);
+    }
+
+    // The flat list holds each group as a run of equal whole-file CRCs. The
+    // run's first file is placed last, after the others.
+    qsizetype runStart = 0;
+    while (runStart < files.size()) {
+        qsizetype runEnd = runStart + 1;
+        while (runEnd < files.size() && files[runEnd].md5 == files[runStart].md5) ++runEnd;
+        const fileAttrbItem& first = files[runStart];
+        SimpleTreeNode::Pointer group = makeGroup(first.fileName, PathNames::pathExtension(first.fileName));
+        for (qsizetype i = runStart + 1; i < runEnd; ++i)
+            appendLeaf(*group, makeLeaf(files[i].filePathName, files[i].fileSize, files[i].ModificationDate));
+        appendLeaf(*group, makeLeaf(first.filePathName, first.fileSize, first.ModificationDate));
+        root->appendChild(group);
+        runStart = runEnd;
+    }
+    out = root;
+    return true;
+}
+
+}  // namespace velmora

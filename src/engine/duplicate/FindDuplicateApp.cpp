@@ -1,0 +1,134 @@
+#include "engine/duplicate/FindDuplicateApp.h"
+
+#include "engine/duplicate/FingerprintKey.h"
+#include "engine/duplicate/FingerprintPool.h"
+#include "engine/duplicate/PathNames.h"
+
+#include <QFile>
+#include <algorithm>
+#include <numeric>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace velmora {
+
+namespace {
+
+// Adds every non-folder entry below `folder` (links are not followed).
+void listFilesBelow(const QString& folder, AppAttrbItem& bundle) {
+    DIR* dir = opendir(QFile::encodeName(folder).constData());
+    if (!dir) return;
+    while (const dirent* entry = readdir(dir)) {
+        const char* name = entry->d_name;
+        if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))) continue;
+        struct stat st;
+        if (fstatat(dirfd(dir), name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
+        const QString path = PathNames::appendComponent(folder, QFile::decodeName(name));
+        if (S_ISDIR(st.st_mode)) {
+            listFilesBelow(path, bundle);
+            continue;
+        }
+        fileAttrbItem item;
+        item.filePathName = path;
+        item.fileName = QFile::decodeName(name);
+        item.fileSize = quint64(st.st_size);
+        bundle.DirectorySize += item.fileSize;
+        bundle.AllFileInDirectory.append(std::move(item));
+    }
+    closedir(dir);
+}
+
+// The bundle's files as a sorted list of keys: equal lists mean the files
+// pair up one to one.
+QList<FingerprintKey> contentSignature(const AppAttrbItem& bundle, bool withWhole) {
+    QList<FingerprintKey> keys;
+    keys.reserve(bundle.AllFileInDirectory.size());
+    for (const fileAttrbItem& file : bundle.AllFileInDirectory)
+        keys.append({file.fileSize, file.md5_1k, withWhole ? file.md5 : 0});
+    std::sort(keys.begin(), keys.end());
+    return keys;
+}
+
+QList<qsizetype> membersOfSharedClasses(const QList<QList<qsizetype>>& classes) {
+    QList<qsizetype> members;
+    for (const QList<qsizetype>& oneClass : classes)
+        if (oneClass.size() > 1) members.append(oneClass);
+    std::sort(members.begin(), members.end());
+    return members;
+}
+
+}  // namespace
+
+bool FindDuplicateApp::getAllFilePathName(AppAttrbItem& bundle) {
+    struct stat st;
+    if (stat(QFile::encodeName(bundle.DirectoryPathName).constData(), &st) != 0 || !S_ISDIR(st.st_mode)) return false;
+    listFilesBelow(bundle.DirectoryPathName, bundle);
+    return true;
+}
+
+void FindDuplicateApp::reportRemaining(qsizetype remaining, qsizetype total) {
+    m_Progress.store(total > 0 ? int(remaining * 100 / total) : 0, std::memory_order_relaxed);
+}
+
+void FindDuplicateApp::computeFirstBlocks(QList<AppAttrbItem>& bundles, const QList<qsizetype>& which) {
+    QList<fileAttrbItem*> files;
+    for (qsizetype b : which)
+        for (fileAttrbItem& file : bundles[b].AllFileInDirectory) files.append(&file);
+    FingerprintPool::run(files.size(), [&](algorithm& worker, qsizetype i) { worker.getMD5_1K(*files[i]); },
+                         m_StopSearch);
+}
+
+void FindDuplicateApp::computeWholeFiles(QList<AppAttrbItem>& bundles, const QList<qsizetype>& which) {
+    QList<fileAttrbItem*> files;
+    for (qsizetype b : which) {
+        m_CurrentSearchFile.set(bundles[b].DirectoryPathName);
+        for (fileAttrbItem& file : bundles[b].AllFileInDirectory)
+            if (file.md5 == 0 && file.fileSize > 0) files.append(&file);
+    }
+    FingerprintPool::run(files.size(), [&](algorithm& worker, qsizetype i) { worker.getMD5(*files[i]); },
+                         m_StopSearch);
+}
+
+void FindDuplicateApp::FindAppInArray(const QStringList& appPaths, QList<QList<AppAttrbItem>>& outArray) {
+    const qsizetype total = appPaths.size();
+    QList<AppAttrbItem> bundles;
+    for (const QString& path : appPaths) {
+        if (stopped()) return;
+        m_CurrentSearchFile.set(path);
+        AppAttrbItem bundle;
+        bundle.DirectoryPathName = path;
+        bundle.DirectoryName = PathNames::lastComponent(path);
+        if (getAllFilePathName(bundle)) bundles.append(std::move(bundle));
+    }
+    QList<qsizetype> all(bundles.size());
+    std::iota(all.begin(), all.end(), 0);
+
+    // Only bundles of equal total size and file count can be equal; only
+    // those are read, first the first blocks, then the whole files of the
+    // bundles whose first blocks still pair up.
+    const QList<qsizetype> sameShape = membersOfSharedClasses(classesByKey<QPair<quint64, qsizetype>>(
+        all, [&](qsizetype b) { return qMakePair(bundles[b].DirectorySize, bundles[b].AllFileInDirectory.size()); }));
+    reportRemaining(sameShape.size(), total);
+    computeFirstBlocks(bundles, sameShape);
+    if (stopped()) return;
+
+    const QList<qsizetype> sameFirstBlocks = membersOfSharedClasses(
+        classesByKey<QList<FingerprintKey>>(sameShape, [&](qsizetype b) { return contentSignature(bundles[b], false); }));
+    reportRemaining(sameFirstBlocks.size(), total);
+    computeWholeFiles(bundles, sameFirstBlocks);
+    if (stopped()) return;
+
+    const QList<QList<qsizetype>> equal = classesByKey<QList<FingerprintKey>>(
+        sameFirstBlocks, [&](qsizetype b) { return contentSignature(bundles[b], true); });
+    for (const QList<qsizetype>& members : equal) {
+        if (members.size() < 2) continue;
+        QList<AppAttrbItem> group;
+        for (qsizetype i = 1; i < members.size(); ++i) group.append(bundles[members[i]]);
+        group.append(bundles[members.first()]);
+        outArray.append(group);
+    }
+    reportRemaining(0, total);
+}
+
+}  // namespace velmora

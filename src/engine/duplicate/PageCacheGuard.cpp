@@ -1,0 +1,49 @@
+#include "engine/duplicate/PageCacheGuard.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace velmora {
+
+namespace {
+const quint64 kPageSize = quint64(sysconf(_SC_PAGESIZE));
+}
+
+PageCacheGuard::PageCacheGuard(int fd, quint64 offset, quint64 length) : m_fd(fd), m_offset(offset), m_length(length) {
+#if defined(__APPLE__)
+    fcntl(fd, F_NOCACHE, 1);
+#else
+    if (length == 0) return;
+    // A mapping that is never touched costs no I/O; mincore() reports which
+    // of its pages are cached.
+    void* map = mmap(nullptr, length, PROT_READ, MAP_SHARED, fd, off_t(offset));
+    if (map == MAP_FAILED) return;
+    m_residentBefore.resize((length + kPageSize - 1) / kPageSize);
+    if (mincore(map, length, m_residentBefore.data()) != 0) m_residentBefore.clear();
+    munmap(map, length);
+    posix_fadvise(fd, off_t(offset), off_t(length), POSIX_FADV_SEQUENTIAL);
+#endif
+}
+
+void PageCacheGuard::dropReadPages() const {
+#if !defined(__APPLE__)
+    const size_t pages = m_residentBefore.size();
+    size_t page = 0;
+    while (page < pages) {
+        if (m_residentBefore[page] & 1) {
+            ++page;
+            continue;
+        }
+        const size_t first = page;
+        while (page < pages && !(m_residentBefore[page] & 1)) ++page;
+        const quint64 start = m_offset + first * kPageSize;
+        const quint64 end = m_offset + qMin(m_length, quint64(page) * kPageSize);
+        // A run that reaches the end of the range also takes its partial last page.
+        const quint64 length = page == pages ? (end - start + kPageSize - 1) / kPageSize * kPageSize : end - start;
+        posix_fadvise(m_fd, off_t(start), off_t(length), POSIX_FADV_DONTNEED);
+    }
+#endif
+}
+
+}  // namespace velmora

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "engine/duplicate/AppAttrbItem.h"
+#include "engine/duplicate/CurrentPath.h"
+#include "engine/duplicate/FindDuplicateApp.h"
+#include "engine/duplicate/fileAttrbItem.h"
+#include "engine/duplicate/getFileList.h"
+
+#include <QList>
+#include <QStringList>
+#include <atomic>
+
+namespace velmora {
+
+// One whole duplicate search below a folder: enumeration, the bundle pass,
+// then the file pass. Runs synchronously on the calling (worker) thread;
+// getProgress(), getCurrentSearchPath() and stopSearch() may be called from
+// any thread meanwhile. The results are read once the search has returned.
+class duplicateFind {
+public:
+    void setSearchOption(bool searchHiddenFile, bool searchSystemDirectory);
+
+    // Does nothing (and answers false) unless `path` is a folder. Answers
+    // false as well when the folder cannot be read or holds no file larger
+    // than limittedSize; bundle groups may have been found all the same.
+    bool searchDuplicateFileAtPath(const QString& path, quint64 limittedSize);
+
+    // (bundle progress + file progress) / 2, in percent.
+    int getProgress() const;
+    // The folder being listed, then the bundle, then the file being examined.
+    QString getCurrentSearchPath() const;
+    void stopSearch();
+
+    // Duplicate files as consecutive groups: in each, the later copies in
+    // enumeration order, then the first copy found.
+    const QList<fileAttrbItem>& getAllDuplicateFile() const { return m_duplicateFiles; }
+    const QList<QList<AppAttrbItem>>& getAllAppDuplicateDir() const { return m_appGroups; }
+
+private:
+    enum class Phase { Idle, Enumerating, Applications, Files, Done };
+
+    void findDuplicateFiles(QList<fileAttrbItem>& files);
+    bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
+
+    bool m_searchHiddenFile = true;
+    bool m_searchSystemDirectory = true;
+    std::atomic<Phase> m_phase{Phase::Idle};
+    std::atomic<bool> m_stop{false};
+    std::atomic<int> m_appProgress{0};
+    std::atomic<int> m_fileProgress{0};
+    getFileList m_enumerator;
+    FindDuplicateApp m_appFinder;
+    CurrentPath m_CurrentSearchPath;
+    QList<fileAttrbItem> m_duplicateFiles;
+    QList<QList<AppAttrbItem>> m_appGroups;
+};
+
+}  // namespace velmora
