@@ -3,9 +3,11 @@
 #include "cli/LevelCommand.h"
 #include "cli/Terminal.h"
 #include "engine/erase/EraserLevel.h"
+#include "engine/erase/PrivilegedHelper.h"
 
 #include <QCoreApplication>
 #include <functional>
+#include <string_view>
 
 namespace {
 
@@ -28,6 +30,8 @@ void printUsage() {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    // The privileged helper (started through pkexec) runs before anything else, as plain code.
+    if (argc == 2 && std::string_view(argv[1]) == velmora::PrivilegedHelper::kCommandLineFlag) return velmora::PrivilegedHelper::serve(0, 1);
     QCoreApplication app(argc, argv);
     QCoreApplication::setOrganizationName("Velmora");
     QCoreApplication::setApplicationName("Velmora Data Eraser");

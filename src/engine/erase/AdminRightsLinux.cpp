@@ -1,0 +1,53 @@
+#include "engine/erase/AdminRights.h"
+
+#ifndef Q_OS_MACOS
+
+#include "engine/erase/PrivilegedHelper.h"
+
+#include <QDebug>
+#include <unistd.h>
+
+namespace velmora {
+
+bool AdminRights::allocAuthorization() {
+    if (m_held) return true;
+    if (geteuid() != 0) {
+        auto helper = std::make_unique<PrivilegedHelperClient>();
+        int exitStatus = 0;
+        if (!helper->start(&exitStatus)) {
+            qWarning(m_messages.copyRights, exitStatus);
+            return false;
+        }
+        m_helper = std::move(helper);
+    }
+    m_held = true;
+    return true;
+}
+
+void AdminRights::freeAuthorization() {
+    if (!m_held) return;
+    if (m_helper) {
+        const int exitStatus = m_helper->stop();
+        if (exitStatus != 0) qWarning(m_messages.free, exitStatus);
+        m_helper.reset();
+    }
+    m_held = false;
+}
+
+bool AdminRights::removeRecursively(const QString& path) {
+    QByteArray representation;
+    if (!fileSystemRepresentation(path, &representation)) return false;
+    if (!m_held) return false;
+    QByteArray output;
+    if (m_helper) {
+        if (!m_helper->removeRecursively(representation, &output)) return false;
+    } else {
+        // Root already: the same removal the helper would do, without a helper.
+        output = PrivilegedHelper::removeRecursively(representation);
+    }
+    return output.isEmpty();
+}
+
+}  // namespace velmora
+
+#endif

@@ -1,0 +1,44 @@
+#include "engine/erase/DoRemoveObj.h"
+
+#include "engine/erase/EraserLevel.h"
+#include "engine/erase/SecureRemoveTask.h"
+
+#include <QProcess>
+
+namespace velmora {
+
+DoRemoveObj::DoRemoveObj(QObject* parent) : QObject(parent) {}
+
+DoRemoveObj::~DoRemoveObj() {
+    if (m_task) {
+        m_task->disconnect(this);
+        delete m_task;
+    }
+}
+
+void DoRemoveObj::initWithArr(const QStringList& paths) {
+    m_allFilesArr = paths;
+    m_index = 0;
+    if (paths.isEmpty()) {
+        QMetaObject::invokeMethod(this, &DoRemoveObj::removeObjEnd, Qt::QueuedConnection);
+        return;
+    }
+    runTaskWithPath();
+}
+
+void DoRemoveObj::runTaskWithPath() {
+    m_task = startSecureRemoveTask(this, EraserLevel::optionString(1, false), m_allFilesArr.at(m_index), [this] { doneErasing(); });
+}
+
+void DoRemoveObj::doneErasing() {
+    ++m_index;
+    m_task->disconnect(this);
+    m_task->deleteLater();
+    m_task = nullptr;
+    if (m_index < m_allFilesArr.size())
+        runTaskWithPath();
+    else
+        emit removeObjEnd();
+}
+
+}  // namespace velmora
