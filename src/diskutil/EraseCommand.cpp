@@ -31,7 +31,9 @@ void erase(const Volume& volume, const FileSystemFormat& format, const std::stri
         throw DiskUtilError(format.name + " is not available on this system: " + makeProgram + " is not installed");
     }
     const BlockDevice& device = volume.device;
-    if (device.isWholeDisk && !partitionsOf(device.kernelName).empty()) {
+    const bool partitioned = !partitionsOf(device.kernelName).empty()
+        || (!volume.hasFileSystem() && !volume.fileSystem.partitionTable.empty());
+    if (device.isWholeDisk && partitioned) {
         throw DiskUtilError(device.node + " is a partitioned disk: erase one of its volumes");
     }
     const std::string newName = label.empty() ? volume.name() : label;

@@ -3,8 +3,11 @@
 #include "diskutil/DiskUtilTestSupport.h"
 #include "diskutil/LoopVolume.h"
 
+#include <cstring>
+#include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace velmora::test {
 namespace {
@@ -57,10 +60,31 @@ TEST(DiskUtilErrors, EraseOfABusyVolumeFailsAndLeavesItMounted) {
     EXPECT_EQ(mountPointsOf(volume.node()), std::vector<std::string>{mountPoint});
 }
 
+// An MBR with one Linux partition, as a partitioning tool writes it.
+bool writePartitionTable(const std::string& node) {
+    unsigned char sector[512] = {};
+    unsigned char* entry = sector + 446;
+    entry[4] = 0x83;
+    const uint32_t start = 2048;
+    const uint32_t count = 65536;
+    std::memcpy(entry + 8, &start, 4);  // little-endian on the machines this runs on
+    std::memcpy(entry + 12, &count, 4);
+    sector[510] = 0x55;
+    sector[511] = 0xAA;
+    const int fd = open(node.c_str(), O_WRONLY | O_CLOEXEC);
+    const bool written = fd >= 0 && pwrite(fd, sector, sizeof sector, 0) == sizeof sector && fsync(fd) == 0;
+    if (fd >= 0) close(fd);
+    return written;
+}
+
 TEST(DiskUtilErrors, VolumesTheToolCannotRecreateAreRefusedUntouched) {
     LoopVolume volume;
     if (!volume.setupProblem().empty()) GTEST_SKIP() << volume.setupProblem();
     expectErrorDictionary(runDiskUtil({"reformat", volume.node()}), "holds no file system");
+
+    ASSERT_TRUE(writePartitionTable(volume.node()));
+    expectErrorDictionary(runDiskUtil({"eraseVolume", "ExFAT", "NEW", volume.node()}), "partitioned disk");
+    EXPECT_EQ(blkidValue(volume.node(), "PTTYPE"), "dos");
 
     const std::string label = uniqueLabel("HF");
     ASSERT_EQ(volume.format("ext4", label), "");
