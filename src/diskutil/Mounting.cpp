@@ -51,7 +51,8 @@ void mountWithFuse(const std::string& node, const FileSystemFormat& format, cons
 void mountFileSystem(const std::string& node, const FileSystemFormat& format, const std::string& folder,
                      const Owner& owner) {
     const std::string options = format.ownerByMountOption && owner.uid != 0 ? ownerOptions(owner) : "";
-    if (mount(node.c_str(), folder.c_str(), format.kernelType.c_str(), 0, options.c_str()) != 0) {
+    // nosuid and nodev, as for any user's removable volume (FUSE mounts get them by default).
+    if (mount(node.c_str(), folder.c_str(), format.kernelType.c_str(), MS_NOSUID | MS_NODEV, options.c_str()) != 0) {
         const int error = errno;
         if (error != ENODEV || format.fuseProgram.empty() || findProgram(format.fuseProgram).empty()) {
             throw DiskUtilError("Could not mount " + node + " on " + folder + ": " + std::strerror(error));

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -154,6 +156,23 @@ INSTANTIATE_TEST_SUITE_P(
                     EraseCase{"vfat", "ExFAT", "NEW", "NEW", "exfat"},
                     EraseCase{"exfat", "ext4", "Fresh Start", "Fresh Start", "ext4"}),
     [](const auto& info) { return std::string(info.param.expectedType); });
+
+TEST(DiskUtilErase, TheUserWhoOwnedTheVolumeOwnsItAfterAReformat) {
+    LoopVolume volume;
+    const std::string label = uniqueLabel("OW");
+    std::string mountPoint;
+    if (std::string why = prepareMounted(volume, "ext4", label, mountPoint); !why.empty()) GTEST_SKIP() << why;
+    constexpr uid_t user = 4321;
+    constexpr gid_t group = 4322;
+    ASSERT_EQ(chown(mountPoint.c_str(), user, group), 0);
+
+    const CommandResult result = runDiskUtil({"reformat", mountPoint});
+    ASSERT_EQ(result.exitCode, 0) << result.out << result.err;
+    struct stat root;
+    ASSERT_EQ(stat(mountPoint.c_str(), &root), 0);
+    EXPECT_EQ(root.st_uid, user);
+    EXPECT_EQ(root.st_gid, group);
+}
 
 // Removes a folder the tool created outside the test's own folder.
 struct FolderCleanup {
