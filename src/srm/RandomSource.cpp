@@ -7,12 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#if defined(__APPLE__)
 #include <sys/random.h>
-#include <unistd.h>
-#else
-#include <sys/random.h>
-#endif
 
 namespace velmora {
 
