@@ -1,0 +1,175 @@
+#include "engine/history/DoDataBase.h"
+
+#include "engine/erase/PublicUtilities.h"
+#include "engine/history/HistoryKey.h"
+#include "engine/platform/StandardPaths.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QLoggingCategory>
+#include <QStringList>
+#include <sqlite3.h>
+
+namespace velmora {
+namespace {
+
+constexpr const char* kInsertEntry = "INSERT INTO TimeBase (Time,Type) VALUES (?,?);";
+constexpr const char* kInsertRow = "INSERT INTO BaseTable (Itmes, ErasureAlgorithm,Result,Time) VALUES (?,?,?,?);";
+// The database cannot be shipped prepared, so its tables are made on first use.
+constexpr const char* kCreateTables =
+    "CREATE TABLE IF NOT EXISTS TimeBase (Time TEXT, Type TEXT);"
+    "CREATE TABLE IF NOT EXISTS BaseTable (Itmes TEXT, ErasureAlgorithm TEXT, Result TEXT, Time TEXT);";
+
+// Null (after logging) when the database cannot be opened.
+sqlite3* openDataBase(const QString& path) {
+    sqlite3* database = nullptr;
+    if (sqlite3_open(QFile::encodeName(path).constData(), &database) != SQLITE_OK) {
+        sqlite3_close(database);
+        qWarning("打开数据库失败！");
+        return nullptr;
+    }
+    // The application and velmora-cli may write at the same moment.
+    sqlite3_busy_timeout(database, 5000);
+    if (sqlite3_exec(database, kCreateTables, nullptr, nullptr, nullptr) != SQLITE_OK)
+        qWarning("create history tables: %s", sqlite3_errmsg(database));
+    return database;
+}
+
+// Runs one statement with its values bound as text parameters 1..n; true when
+// the step reports completion.
+bool execute(sqlite3* database, const QString& sql, const QStringList& values = {}) {
+    sqlite3_stmt* statement = nullptr;
+    bool done = false;
+    if (sqlite3_prepare_v2(database, sql.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK) {
+        for (int i = 0; i < values.size(); ++i) {
+            const QByteArray text = values[i].toUtf8();
+            sqlite3_bind_text(statement, i + 1, text.constData(), int(text.size()), SQLITE_TRANSIENT);
+        }
+        done = sqlite3_step(statement) == SQLITE_DONE;
+    }
+    sqlite3_finalize(statement);
+    return done;
+}
+
+QString columnText(sqlite3_stmt* statement, int column) {
+    return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, column)));
+}
+
+// The entry row and the header row that every entry starts with. The failure
+// messages carry no error text, as the history has always logged them.
+void writeEntryAndHeader(sqlite3* database, const QString& key, const QString& type) {
+    if (!execute(database, kInsertEntry, {key, type})) qWarning("update time : %s", "");
+    if (!execute(database, kInsertRow, {"Items", "Erasure Standard", "Result", key})) qWarning("update base: %s", "");
+}
+
+void writeItemRow(sqlite3* database, const QString& item, const QString& level, const QString& result,
+                  const QString& key) {
+    if (!execute(database, kInsertRow, {item, level, result, key})) qWarning("更新数据库表FIELDS出错: %s", "");
+}
+
+}  // namespace
+
+DoDataBase* DoDataBase::returnDoDataBase() {
+    static DoDataBase shared;
+    return &shared;
+}
+
+QString DoDataBase::getDataBase() const { return StandardPaths::dataDir() + "/DataBase.db"; }
+
+void DoDataBase::writePlistForHistoryWithArr(const FileObjList& items) {
+    if (items.isEmpty()) return;
+    const QString level = PublicUtilities::getEraserTimes();
+    const QString key = HistoryKey::now();
+    sqlite3* database = openDataBase(getDataBase());
+    if (!database) return;
+    writeEntryAndHeader(database, key, kWipeFile);
+    for (const FileObj& item : items) writeItemRow(database, item.url, level, item.failStr, key);
+    sqlite3_close(database);
+}
+
+void DoDataBase::writeWipeVolumesOrFree(const QString& volumeName, const QString& endText, bool isFree) {
+    const QString level = PublicUtilities::getEraserTimes();
+    const QString key = HistoryKey::now();
+    sqlite3* database = openDataBase(getDataBase());
+    if (!database) return;
+    writeEntryAndHeader(database, key, kWipeVolume);
+    const QString item = QString(isFree ? "Erase Free Space:%1" : "Erase Hard Drive:%1").arg(volumeName);
+    writeItemRow(database, item, level, endText, key);
+    sqlite3_close(database);
+}
+
+HistoryDic DoDataBase::getAllData() { return readEntries("select * from TimeBase order by Time desc", true); }
+
+HistoryDic DoDataBase::getAllDataWithKey(const QString& type) {
+    qInfo("------%s", qUtf8Printable(type));
+    return readEntries(QString("select * from (select * from TimeBase order by Time desc) where Type='%1'").arg(type),
+                       false);
+}
+
+HistoryDic DoDataBase::readEntries(const QString& entryQuery, bool logDictionary) {
+    HistoryDic dictionary;
+    sqlite3* database = openDataBase(getDataBase());
+    if (!database) return dictionary;
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(database, entryQuery.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK) {
+        while (sqlite3_step(statement) == SQLITE_ROW) {
+            const QString key = columnText(statement, 0);
+            qInfo("-:%s:-", qUtf8Printable(key));
+            dictionary.insert(key, getValueWith(database, key));
+            // The whole dictionary is logged after every entry; only format it
+            // when someone reads the log.
+            if (logDictionary && QLoggingCategory::defaultCategory()->isInfoEnabled())
+                qInfo().nospace().noquote() << "dic:----" << dictionary;
+        }
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+    return dictionary;
+}
+
+HistoryRows DoDataBase::getValueWith(sqlite3* database, const QString& key) {
+    HistoryRows rows;
+    sqlite3_stmt* statement = nullptr;
+    const QString query = QString("select * from BaseTable where Time='%1'").arg(key);
+    if (sqlite3_prepare_v2(database, query.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK) {
+        while (sqlite3_step(statement) == SQLITE_ROW) {
+            rows.append({{"Items", columnText(statement, 0)},
+                         {"Erasure Standard", columnText(statement, 1)},
+                         {"Result", columnText(statement, 2)}});
+        }
+    }
+    sqlite3_finalize(statement);
+    return rows;
+}
+
+QString DoDataBase::getTypeWithKey(const QString& key) {
+    QString type;
+    sqlite3* database = openDataBase(getDataBase());
+    if (!database) return type;
+    sqlite3_stmt* statement = nullptr;
+    const QString query = QString("select Type from TimeBase where Time='%1'").arg(key);
+    if (sqlite3_prepare_v2(database, query.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK &&
+        sqlite3_step(statement) == SQLITE_ROW)
+        type = columnText(statement, 0);
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+    return type;
+}
+
+void DoDataBase::deleteDataWithKey(const QString& key) {
+    sqlite3* database = openDataBase(getDataBase());
+    if (!database) return;
+    if (!execute(database, QString("delete from TimeBase where Time='%1'").arg(key)))
+        qWarning("delete time error: %s", "");
+    if (!execute(database, QString("delete from BaseTable where Time='%1'").arg(key)))
+        qWarning("delete base error: %s", "");
+    sqlite3_close(database);
+}
+
+void DoDataBase::deleteAllData() {
+    for (const QString& key : getAllData().keys()) deleteDataWithKey(key);
+    PublicUtilities::writeUpDataHistoryStr(kWipeFileHistory, "0");
+    PublicUtilities::writeUpDataHistoryStr(kWipeVolumeHistory, "0");
+}
+
+}  // namespace velmora
