@@ -2,6 +2,7 @@
 #include "diskutil/DiskUtilTestSupport.h"
 #include "diskutil/LoopVolume.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -13,14 +14,6 @@ namespace fs = std::filesystem;
 
 namespace velmora::test {
 namespace {
-
-std::string prepareMounted(LoopVolume& volume, const std::string& type, const std::string& label,
-                           std::string& mountPoint) {
-    if (!volume.setupProblem().empty()) return volume.setupProblem();
-    if (std::string problem = volume.format(type, label); !problem.empty()) return problem;
-    mountPoint = volume.mount(type, label);
-    return mountPoint.empty() ? "no kernel or FUSE driver mounts " + type + " here" : std::string();
-}
 
 void writeFile(const std::string& path, const std::string& text) {
     std::ofstream(path) << text;
@@ -62,7 +55,7 @@ TEST_P(RenameVolume, RelabelsAndMountsAgainUnderTheNewName) {
     LoopVolume volume;
     const std::string oldLabel = uniqueLabel("RO");
     std::string oldMount;
-    if (std::string why = prepareMounted(volume, GetParam().mkfsType, oldLabel, oldMount); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = volume.formatAndMount(GetParam().mkfsType, oldLabel, oldMount); !why.empty()) GTEST_SKIP() << why;
     writeFile(oldMount + "/keep.txt", "still here");
 
     // The application names the volume by its VolumeUUID.
@@ -89,7 +82,7 @@ TEST_P(ReformatVolume, EmptiesTheVolumeAndKeepsNameFileSystemAndMountPoint) {
     LoopVolume volume;
     const std::string label = uniqueLabel("RF");
     std::string mountPoint;
-    if (std::string why = prepareMounted(volume, GetParam(), label, mountPoint); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = volume.formatAndMount(GetParam(), label, mountPoint); !why.empty()) GTEST_SKIP() << why;
     fs::create_directory(mountPoint + "/folder");
     writeFile(mountPoint + "/folder/secret.txt", "secret");
     writeFile(mountPoint + "/top.txt", "top");
@@ -129,7 +122,7 @@ TEST_P(EraseVolume, CreatesTheFormatWithTheNameAndMountsItBesideTheOldOne) {
     LoopVolume volume;
     const std::string oldLabel = uniqueLabel("EO");
     std::string oldMount;
-    if (std::string why = prepareMounted(volume, erase.fromType, oldLabel, oldMount); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = volume.formatAndMount(erase.fromType, oldLabel, oldMount); !why.empty()) GTEST_SKIP() << why;
     writeFile(oldMount + "/old.txt", "old data");
 
     const CommandResult result = runDiskUtil({"eraseVolume", erase.format, erase.requestedName, volume.node()});
@@ -161,7 +154,7 @@ TEST(DiskUtilErase, TheUserWhoOwnedTheVolumeOwnsItAfterAReformat) {
     LoopVolume volume;
     const std::string label = uniqueLabel("OW");
     std::string mountPoint;
-    if (std::string why = prepareMounted(volume, "ext4", label, mountPoint); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = volume.formatAndMount("ext4", label, mountPoint); !why.empty()) GTEST_SKIP() << why;
     constexpr uid_t user = 4321;
     constexpr gid_t group = 4322;
     ASSERT_EQ(chown(mountPoint.c_str(), user, group), 0);
@@ -206,7 +199,7 @@ TEST(DiskUtilEject, UnmountsTheVolumeAndDetachesTheImage) {
     LoopVolume volume;
     const std::string label = uniqueLabel("EJ");
     std::string mountPoint;
-    if (std::string why = prepareMounted(volume, "vfat", label, mountPoint); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = volume.formatAndMount("vfat", label, mountPoint); !why.empty()) GTEST_SKIP() << why;
 
     const CommandResult result = runDiskUtil({"eject", blkidValue(volume.node(), "UUID")});
     ASSERT_EQ(result.exitCode, 0) << result.out << result.err;

@@ -35,15 +35,6 @@ bool contains(const std::vector<std::string>& list, const std::string& item) {
     return std::find(list.begin(), list.end(), item) != list.end();
 }
 
-// Formats and mounts the volume at folder/label; the reason when that cannot be done here.
-std::string prepareMounted(LoopVolume& volume, const std::string& type, const std::string& label,
-                           std::string& mountPoint) {
-    if (!volume.setupProblem().empty()) return volume.setupProblem();
-    if (std::string problem = volume.format(type, label); !problem.empty()) return problem;
-    mountPoint = volume.mount(type, label);
-    return mountPoint.empty() ? "no kernel or FUSE driver mounts " + type + " here" : std::string();
-}
-
 uint64_t freeSpace(const std::string& target) {
     const CommandResult result = runDiskUtil({"info", "-plist", target});
     return Dictionary(result.out).integer("FreeSpace");
@@ -55,7 +46,7 @@ TEST_P(MountedVolumeInfo, ReportsTheKeysTheApplicationReads) {
     LoopVolume volume;
     const std::string label = uniqueLabel("VI");
     std::string mountPoint;
-    if (std::string why = prepareMounted(volume, GetParam().mkfsType, label, mountPoint); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = volume.formatAndMount(GetParam().mkfsType, label, mountPoint); !why.empty()) GTEST_SKIP() << why;
 
     const CommandResult result = runDiskUtil({"info", "-plist", volume.node()});
     ASSERT_EQ(result.exitCode, 0) << result.err;
@@ -82,7 +73,7 @@ TEST_P(MountedVolumeInfo, FindsTheVolumeByKernelNameMountPointNameAndUuid) {
     LoopVolume volume;
     const std::string label = uniqueLabel("VT");
     std::string mountPoint;
-    if (std::string why = prepareMounted(volume, GetParam().mkfsType, label, mountPoint); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = volume.formatAndMount(GetParam().mkfsType, label, mountPoint); !why.empty()) GTEST_SKIP() << why;
 
     const std::string uuid = blkidValue(volume.node(), "UUID");
     for (const std::string& target : {volume.kernelName(), mountPoint, label, uuid}) {
@@ -96,7 +87,7 @@ TEST_P(MountedVolumeInfo, FreeSpaceShrinksByWhatIsWritten) {
     LoopVolume volume;
     const std::string label = uniqueLabel("VF");
     std::string mountPoint;
-    if (std::string why = prepareMounted(volume, GetParam().mkfsType, label, mountPoint); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = volume.formatAndMount(GetParam().mkfsType, label, mountPoint); !why.empty()) GTEST_SKIP() << why;
 
     const uint64_t before = freeSpace(volume.node());
     constexpr uint64_t written = 8 * 1024 * 1024;
@@ -125,8 +116,8 @@ TEST(DiskUtilList, ShowsMountedFat32AndExt4Volumes) {
     const std::string extLabel = uniqueLabel("LE");
     std::string fatMount;
     std::string extMount;
-    if (std::string why = prepareMounted(fat, "vfat", fatLabel, fatMount); !why.empty()) GTEST_SKIP() << why;
-    if (std::string why = prepareMounted(ext, "ext4", extLabel, extMount); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = fat.formatAndMount("vfat", fatLabel, fatMount); !why.empty()) GTEST_SKIP() << why;
+    if (std::string why = ext.formatAndMount("ext4", extLabel, extMount); !why.empty()) GTEST_SKIP() << why;
 
     const CommandResult result = runDiskUtil({"list", "-plist"});
     ASSERT_EQ(result.exitCode, 0) << result.err;

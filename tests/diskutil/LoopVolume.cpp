@@ -88,6 +88,13 @@ std::string LoopVolume::mount(const std::string& type, const std::string& name) 
     return {};
 }
 
+std::string LoopVolume::formatAndMount(const std::string& type, const std::string& label, std::string& mountPoint) {
+    if (!m_problem.empty()) return m_problem;
+    if (std::string problem = format(type, label); !problem.empty()) return problem;
+    mountPoint = mount(type, label);
+    return mountPoint.empty() ? "no kernel or FUSE driver mounts " + type + " here" : std::string();
+}
+
 std::string uniqueLabel(const std::string& prefix) {
     static std::mt19937 generator(std::random_device{}());
     return prefix + std::to_string(std::uniform_int_distribution<int>(100000, 999999)(generator));

@@ -27,6 +27,9 @@ public:
     // Mounts the device at folder()/name with the kernel driver, or with the FUSE driver
     // where the kernel has none. Returns the mount point, empty on failure.
     std::string mount(const std::string& type, const std::string& name);
+    // Both at once, the volume mounted at folder()/label; empty on success, else why it
+    // cannot be done on this machine (the reason to skip).
+    std::string formatAndMount(const std::string& type, const std::string& label, std::string& mountPoint);
 
 private:
     std::string m_folder;
