@@ -9,7 +9,7 @@ namespace velmora::diskutil {
 
 namespace {
 
-// "blkid -o export" escapes shell-special characters with a backslash.
+// "blkid -o export" puts a backslash before spaces, quotes and other shell characters.
 std::string unescape(const std::string& value) {
     std::string text;
     for (size_t i = 0; i < value.size(); ++i) {
