@@ -20,7 +20,6 @@ struct Pass {
     static Pass bytes(std::vector<std::uint8_t> pattern) { return Pass{false, std::move(pattern)}; }
 
     std::string describe() const; // "random" or "0x92 0x49 0x24"
-    bool operator==(const Pass&) const = default;
 };
 
 // The passes of a mode, followed by one pass of zeros when `zeroPass` is set.

@@ -1,10 +1,7 @@
 #include "srm/ChildProcess.h"
 
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 

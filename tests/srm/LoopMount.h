@@ -21,7 +21,6 @@ public:
     // Empty when the volume is mounted, else why it could not be.
     const std::string& problem() const { return problem_; }
     const std::string& mountPoint() const { return mountPoint_; }
-    const std::string& device() const { return device_; }
 
     bool mount();
     bool unmount(); // and flush the loop device, so the image holds every write
