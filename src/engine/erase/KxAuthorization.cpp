@@ -39,6 +39,7 @@ bool KxAuthorization::allocAuthorization() { return m_rights.allocAuthorization(
 void KxAuthorization::freeAuthorization() { m_rights.freeAuthorization(); }
 
 bool KxAuthorization::removeItemAtPath(const QString& path) {
+    // Converted before the rights are asked for, so an unusable path never prompts.
     QByteArray representation;
     if (!AdminRights::fileSystemRepresentation(path, &representation)) return false;
     KxAuthorization* shared = shareKxAuthorization();

@@ -1,0 +1,102 @@
+// velmora-cli erase end to end: the real program, the real tool, the real history.
+#include "EraseTestSupport.h"
+#include "engine/erase/PublicUtilities.h"
+#include "engine/history/DoDataBase.h"
+
+#include <QProcess>
+
+namespace velmora::test {
+namespace {
+
+struct CliRun {
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+class EraseCommandTest : public EraseTest {
+protected:
+    static CliRun runCli(const QStringList& arguments) {
+        QProcess cli;
+        cli.start(binDir() + "/velmora-cli", arguments);
+        cli.closeWriteChannel();
+        EXPECT_TRUE(cli.waitForFinished(120000));
+        return {cli.exitCode(), QString::fromLocal8Bit(cli.readAllStandardOutput()), QString::fromLocal8Bit(cli.readAllStandardError())};
+    }
+
+    static HistoryRows onlyFileEntry() {
+        const HistoryDic entries = DoDataBase::returnDoDataBase()->getAllDataWithKey(DoDataBase::kWipeFile);
+        EXPECT_EQ(entries.size(), 1);
+        return entries.isEmpty() ? HistoryRows{} : entries.first();
+    }
+};
+
+TEST_F(EraseCommandTest, ErasesAFolderTreeAndRecordsOneHistoryEntry) {
+    const QString folder = scratch("project");
+    writeFile(folder + "/readme.txt", "read me");
+    writeFile(folder + "/src/main.c", QByteArray(20000, 'c'));
+    writeFile(folder + "/src/.hidden", "h");
+    writeFile(folder + "/empty.dat", {});
+    QDir().mkpath(folder + "/build/tmp");
+    const QString single = scratch("single.txt");
+    writeFile(single, "single");
+
+    const CliRun run = runCli({"erase", "--yes", folder, single});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_FALSE(existsOnDisk(folder));
+    EXPECT_FALSE(existsOnDisk(single));
+    EXPECT_EQ(run.out, QString("Erased  %1\nErased  %2\n").arg(folder, single));
+
+    // One row per path given, after the header row.
+    const HistoryRows rows = onlyFileEntry();
+    ASSERT_EQ(rows.size(), 3);
+    EXPECT_EQ(rows.at(1).value("Items"), folder);
+    EXPECT_EQ(rows.at(1).value("Result"), "Erased");
+    EXPECT_EQ(rows.at(1).value("Erasure Standard"), "HMG Infosec Standard 5");
+    EXPECT_EQ(rows.at(2).value("Items"), single);
+    EXPECT_EQ(PublicUtilities::getUpDataHistoryStr(DoDataBase::kWipeFileHistory), "1");
+}
+
+TEST_F(EraseCommandTest, ItemLeftOnDiskIsFailedAndExitsOne) {
+    // An immutable empty file is unlinked directly, which the flag forbids.
+    const QString locked = scratch("locked.txt");
+    writeFile(locked, {});
+    if (!makeImmutable(locked)) GTEST_SKIP() << "SKIPPED: setting the immutable flag needs root on a file system that supports it";
+    const QString other = scratch("other.txt");
+    writeFile(other, "other");
+    const CliRun run = runCli({"erase", "--yes", locked, other});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(existsOnDisk(locked));
+    EXPECT_FALSE(existsOnDisk(other));
+    EXPECT_EQ(run.out, QString("Failed  %1\nErased  %2\n").arg(locked, other));
+    const HistoryRows rows = onlyFileEntry();
+    ASSERT_EQ(rows.size(), 3);
+    EXPECT_EQ(rows.at(1).value("Result"), "Failed");
+}
+
+TEST_F(EraseCommandTest, RefusesRootMissingPathsAndAnUnconfirmedRun) {
+    const QString kept = scratch("kept.txt");
+    writeFile(kept, "kept");
+
+    CliRun run = runCli({"erase", "--yes", kept, "/tmp/.."});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("refusing to erase \"/tmp/..\"")) << run.err.toStdString();
+
+    run = runCli({"erase", "--yes", kept, scratch("no-such-file")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("no such file or folder")) << run.err.toStdString();
+
+    run = runCli({"erase", "--yes"});
+    EXPECT_EQ(run.exitCode, 2);
+
+    // Without --yes the question is asked; a closed input is a no.
+    run = runCli({"erase", kept});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.contains("nothing erased"));
+
+    EXPECT_TRUE(existsOnDisk(kept));
+    EXPECT_TRUE(DoDataBase::returnDoDataBase()->getAllDataWithKey(DoDataBase::kWipeFile).isEmpty());
+}
+
+}  // namespace
+}  // namespace velmora::test
