@@ -1,0 +1,125 @@
+#pragma once
+
+#include "engine/volumes/VolumeObj.h"
+
+#include <QFuture>
+#include <QObject>
+#include <QTimer>
+#include <atomic>
+
+namespace velmora {
+
+class VolumeScanner;
+
+// The free-space wipe: fills the free space of one volume (as measured before the
+// run) with files of zeros in a hidden folder on it, removes the folder, and does
+// so once per pass of the erasure level; then records the run in the history.
+// It is also the second stage of the whole-drive erase (WholeDriveErase).
+//
+// The object lives on the user-interface thread; the fill runs on one worker of
+// the background queue, and every signal arrives on the object's thread. The run
+// state is shared with the worker without locks: flags are atomic, and texts the
+// worker changes are handed to the object's thread.
+class FreeSpaceWipe : public QObject {
+    Q_OBJECT
+
+public:
+    // Where "Erase Now" leads for the selected volume and tool.
+    enum class WipeStart {
+        DoFreeAction,         // free-space wipe: confirm, then doFreeSpaceAction
+        ShowNTFSWindow,       // free-space wipe of an NTFS volume: notice only
+        DoEraserPartiltion,   // whole-drive erase: confirm, then WholeDriveErase
+        ShowSystemEraser,     // whole-drive erase of the startup volume: notice only
+        NoSelectType,
+    };
+
+    static constexpr qint64 kFillUnit = 128000000;  // free space is counted in units of this
+    static constexpr int kBlock = 4000;             // bytes written at a time
+    static constexpr int kBlockAppends = 32001;     // blocks after the header of a fill file
+
+    explicit FreeSpaceWipe(QObject* parent = nullptr);
+    ~FreeSpaceWipe() override;  // cancels a fill under way and waits for it
+
+    VolumeObj selectVolumeObj;  // the volume of the run (name, type, mount point, free bytes)
+    int selectEraserType = 1;   // 1 free-space wipe, 2 whole-drive erase
+
+    // The list rescanned at the end of every run; none by default.
+    void setVolumeScanner(VolumeScanner* scanner) { m_volumeScanner = scanner; }
+    VolumeScanner* volumeScanner() const { return m_volumeScanner; }
+
+    WipeStart wipeButtonAction() const;
+    // Plans the run from selectVolumeObj.volumeFreeSizeNum and starts the worker.
+    void doFreeSpaceAction();
+    // Both only set the cancel flag; the worker notices it before each fill file,
+    // before each block of the remainder file and at the start of each pass.
+    void cancelWipeSpaceButtonAction() { m_isCancelEraser = true; }
+    void cancelWipeDiskButtonAction() { m_isCancelEraser = true; }
+    // At application exit: stops a fill and removes the latest fill folder.
+    void endAppRemoveFolder();
+    // The pass count: the stored erasure level, at least 1.
+    static int getEraserTimes();
+    // "FreeSpace" of the volume of that name; 1 when the query gives nothing.
+    quint64 checkVolumeFreeSizeWithVolumeName(const QString& volumeName) const;
+    // "<volume folder>/.Velmora"; the volume folder of an NTFS volume is the one of
+    // "NEW", the name the whole-drive erase gives it. Empty when the volume has no folder.
+    QString fillFolderPath() const;
+
+    // Elapsed time of a run, counted by a one-second timer from setEraserTime.
+    void setEraserTime();
+    void stopEraserTimer();
+    QString eraserTimeText() const { return m_eraserTimeText; }
+    static QString elapsedTimeText(qint64 seconds);  // "%.0f:MM:SS"; 0 gives "00:00:00"
+
+    // The steps of a pass, as the worker runs them.
+    void roundOneWithRoundCount(qint64 fillCount, int passes, float stepPercent, const QString& folder);
+    void createDydFile(const QString& folder, int index);
+    void writLostDataWithLoseCount(qint64 remainder, qint64 fillCount, const QString& folder);
+    // End of a run, on the object's thread: the failure or success view, the
+    // history record, the history flag and a rescan.
+    void showComplite();
+    void showEndEraser();
+
+    bool isCancelEraser() const { return m_isCancelEraser; }
+    bool isRounding() const { return m_isRounding; }
+    int iRoundTimes() const { return m_iRoundTimes; }
+    int times() const { return m_times; }
+    bool isBegin() const { return m_isBegin; }
+    void setIsBegin(bool isBegin) { m_isBegin = isBegin; }
+    // Clears isRounding and iRoundTimes (the whole-drive erase does so before its fill).
+    void resetRounds();
+    QString errorString() const { return m_errorString; }
+    QString wipeScanPathStr() const { return m_wipeScanPathStr; }
+    bool isWorkerRunning() const { return m_worker.isRunning(); }
+
+signals:
+    // Status text and percentage for the progress view (which shows at least 2%).
+    void setRemoveProgress(const QString& statusText, float percent);
+    // The progress view closes; eraserEnded follows 2.0 seconds later.
+    void closeWindow();
+    // The end view: success text or the failure text; cancelled shows the cancel note.
+    void eraserEnded(bool succeeded, const QString& endText, bool cancelled);
+    // The worker returned and no end view will follow: a later pass was skipped
+    // (see runPasses) or the cancel was seen at the start of a pass.
+    void runStalled();
+
+private:
+    void runPasses(qint64 fillCount, qint64 remainder, int passes, float stepPercent, QString fillFolder,
+                   QString lastFolder);
+    void setErrorString(const QString& text);
+    void setWipeScanPathStr(const QString& folder);
+
+    VolumeScanner* m_volumeScanner = nullptr;
+    std::atomic<bool> m_isCancelEraser{false};
+    std::atomic<bool> m_isRounding{false};
+    std::atomic<bool> m_isBegin{false};
+    std::atomic<int> m_iRoundTimes{0};
+    std::atomic<int> m_times{0};
+    QString m_errorString;
+    QString m_wipeScanPathStr;
+    QFuture<void> m_worker;
+    QTimer m_eraserTimer;
+    qint64 m_eraserTimeR = 0;
+    QString m_eraserTimeText;
+};
+
+}  // namespace velmora
