@@ -60,19 +60,30 @@ protected:
     }
 };
 
-TEST_F(RemoveFileAndFolderTest, SingleRecordReportsEightyOnceAndIsErased) {
-    const QString path = scratch("secret.txt");
-    writeFile(path, "a secret worth destroying");
+TEST_F(RemoveFileAndFolderTest, SingleRecordReportsEightyOnceTwoRecordsZeroThenFifty) {
+    const QString first = scratch("secret.txt");
+    const QString second = scratch("second.txt");
+    writeFile(first, "a secret worth destroying");
+    writeFile(second, "another one");
     RemoveFileAndFolder engine;
-    EngineRun run(engine);
-    engine.benginToTraskWithArr({fileRecord(path)});
-    ASSERT_TRUE(run.waitForEnd());
-    EXPECT_EQ(run.progress, QList<float>{80.0f});
-    EXPECT_EQ(run.indexes, QList<int>{0});
-    ASSERT_EQ(run.results.size(), 1);
-    EXPECT_EQ(run.results.first().failStr, "Success");
-    EXPECT_EQ(run.failures, 0);
-    EXPECT_FALSE(existsOnDisk(path));
+    EngineRun single(engine);
+    engine.benginToTraskWithArr({fileRecord(first)});
+    ASSERT_TRUE(single.waitForEnd());
+    EXPECT_EQ(single.progress, QList<float>{80.0f});
+    EXPECT_EQ(verdicts(single.results), QStringList{"Success"});
+    EXPECT_FALSE(existsOnDisk(first));
+
+    // The same engine again: a new run starts over.
+    writeFile(first, "written again");
+    EngineRun pair(engine);
+    engine.benginToTraskWithArr({fileRecord(first), fileRecord(second)});
+    ASSERT_TRUE(pair.waitForEnd());
+    EXPECT_EQ(pair.progress, (QList<float>{0.0f, 50.0f}));
+    EXPECT_EQ(pair.paths, (QStringList{first, second}));
+    EXPECT_EQ(verdicts(pair.results), (QStringList{"Success", "Success"}));
+    EXPECT_EQ(pair.failures, 0);
+    EXPECT_FALSE(existsOnDisk(first));
+    EXPECT_FALSE(existsOnDisk(second));
 }
 
 TEST_F(RemoveFileAndFolderTest, MixedListFollowsTheProgressAndVerdictRules) {
@@ -81,29 +92,41 @@ TEST_F(RemoveFileAndFolderTest, MixedListFollowsTheProgressAndVerdictRules) {
     const QString occupied = scratch("occupied");
     const QString bundle = scratch("Tool.app");
     const QString emptyFolder = scratch("nothing");
+    const QString unmarkedFolder = scratch("unmarked");
+    const QString target = scratch("outside/keep.txt");
+    const QString link = emptyFolder + "/link";
     writeFile(text, QByteArray(5000, 'x'));
     writeFile(empty, {});
     writeFile(occupied + "/kept.txt", "still here");
     writeFile(bundle + "/Contents/MacOS/Tool", "binary");
+    writeFile(target, "must survive");
     QDir().mkpath(emptyFolder);
+    QDir().mkpath(unmarkedFolder);
+    ASSERT_TRUE(QFile::link(target, link));
+    FileObj linkRecord = fileRecord(link);
+    linkRecord.size = 0;  // as the erase list records links
 
     LogCapture log;
     RemoveFileAndFolder engine;
     EngineRun run(engine);
     engine.benginToTraskWithArr({fileRecord(text), fileRecord(empty), fileRecord(occupied, true), fileRecord(bundle, true),
-                                 fileRecord(emptyFolder, true)});
+                                 linkRecord, fileRecord(emptyFolder, true), fileRecord(unmarkedFolder, false)});
     ASSERT_TRUE(run.waitForEnd());
 
-    EXPECT_EQ(run.progress, (QList<float>{0.0f, 20.0f, 40.0f, 60.0f, 80.0f}));
-    EXPECT_EQ(run.indexes, (QList<int>{0, 1, 2, 3, 4}));
-    EXPECT_EQ(run.paths, (QStringList{text, empty, occupied, bundle, emptyFolder}));
-    EXPECT_EQ(verdicts(run.results), (QStringList{"Success", "Success", "Fail", "Success", "Success"}));
-    EXPECT_EQ(run.failures, 1);  // only the folder that still holds an entry
+    EXPECT_EQ(run.progress, (QList<float>{0, 14, 28, 42, 57, 71, 85}));
+    EXPECT_EQ(run.indexes, (QList<int>{0, 1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(run.paths, (QStringList{text, empty, occupied, bundle, link, emptyFolder, unmarkedFolder}));
+    EXPECT_EQ(verdicts(run.results), (QStringList{"Success", "Success", "Fail", "Success", "Success", "Success", "Fail"}));
+    EXPECT_EQ(run.failures, 2);  // the folder still holding an entry, the folder not marked as one
     EXPECT_FALSE(existsOnDisk(text));
     EXPECT_FALSE(existsOnDisk(empty));
     EXPECT_TRUE(existsOnDisk(occupied + "/kept.txt"));
     EXPECT_FALSE(existsOnDisk(bundle));  // removed whole, contents and all
     EXPECT_FALSE(existsOnDisk(emptyFolder));
+    EXPECT_TRUE(existsOnDisk(unmarkedFolder));
+    QFile kept(target);  // the link went, not what it points to
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_EQ(kept.readAll(), "must survive");
     EXPECT_TRUE(log.lines().contains("rm file sec " + empty));
     EXPECT_FALSE(log.lines().contains("rm file sec " + text));  // content goes through the tool
     EXPECT_TRUE(log.lines().contains("-------::" + occupied));
@@ -126,18 +149,6 @@ TEST_F(RemoveFileAndFolderTest, ProgressIsTheIntegerShareOfHandledRecords) {
     EXPECT_TRUE(QDir(scratch("")).isEmpty());
 }
 
-TEST_F(RemoveFileAndFolderTest, FolderNotMarkedAsFolderFailsAndStays) {
-    const QString folder = scratch("plain");
-    QDir().mkpath(folder);
-    RemoveFileAndFolder engine;
-    EngineRun run(engine);
-    engine.benginToTraskWithArr({fileRecord(folder, false)});
-    ASSERT_TRUE(run.waitForEnd());
-    EXPECT_EQ(verdicts(run.results), QStringList{"Fail"});
-    EXPECT_EQ(run.failures, 1);
-    EXPECT_TRUE(existsOnDisk(folder));
-}
-
 TEST_F(RemoveFileAndFolderTest, ImmutableFileIsReleasedAndErased) {
     const QString path = scratch("locked.bin");
     writeFile(path, QByteArray(4096, 'L'));
@@ -147,24 +158,6 @@ TEST_F(RemoveFileAndFolderTest, ImmutableFileIsReleasedAndErased) {
     engine.benginToTraskWithArr({fileRecord(path)});
     ASSERT_TRUE(run.waitForEnd());
     EXPECT_FALSE(existsOnDisk(path));
-}
-
-TEST_F(RemoveFileAndFolderTest, LinkIsRemovedWithoutTouchingItsTarget) {
-    const QString target = scratch("outside/keep.txt");
-    const QString folder = scratch("chosen");
-    writeFile(target, "must survive");
-    QDir().mkpath(folder);
-    ASSERT_TRUE(QFile::link(target, folder + "/link"));
-    FileObj link = fileRecord(folder + "/link");
-    link.size = 0;   // as the erase list records links
-    RemoveFileAndFolder engine;
-    EngineRun run(engine);
-    engine.benginToTraskWithArr({link, fileRecord(folder, true)});
-    ASSERT_TRUE(run.waitForEnd());
-    EXPECT_FALSE(existsOnDisk(folder));
-    QFile kept(target);
-    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
-    EXPECT_EQ(kept.readAll(), "must survive");
 }
 
 TEST_F(RemoveFileAndFolderTest, MissingToolStillEndsTheRun) {
