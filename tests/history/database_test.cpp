@@ -2,7 +2,6 @@
 #include "QStringPrinter.h"
 #include "TempDataDir.h"
 #include "engine/erase/EraserLevel.h"
-#include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
 #include "engine/history/HistoryKey.h"
 
@@ -108,22 +107,6 @@ TEST(DoDataBase, ReadsFiltersAndDeletesByKey) {
     EXPECT_EQ(countRows("TimeBase"), 1);
     EXPECT_EQ(countRows("BaseTable"), 2);
     EXPECT_EQ(history->getAllData().keys(), QStringList{"2026-01-02 10-00-00"});
-}
-
-TEST(DoDataBase, DeleteAllDataEmptiesHistoryAndResetsBothFlags) {
-    TempDataDir data;
-    DoDataBase* history = DoDataBase::returnDoDataBase();
-    const QString path = history->getDataBase();
-    ASSERT_TRUE(HistorySql::plantEntry(path, "2026-01-02 10-00-00", "WipeFile", {{"/a", "HMG Infosec Standard 5", "Erased"}}));
-    ASSERT_TRUE(HistorySql::plantEntry(path, "2026-01-03 10-00-00", "WipeVolume", {{"Erase Free Space:X", "HMG Infosec Standard 5", "Erased"}}));
-    PublicUtilities::writeUpDataHistoryStr("WipeFileHistory", "1");
-    PublicUtilities::writeUpDataHistoryStr("WipeVolumeHistory", "1");
-
-    history->deleteAllData();
-    EXPECT_TRUE(history->getAllData().isEmpty());
-    EXPECT_EQ(countRows("BaseTable"), 0);
-    EXPECT_EQ(PublicUtilities::getUpDataHistoryStr("WipeFileHistory"), "0");
-    EXPECT_EQ(PublicUtilities::getUpDataHistoryStr("WipeVolumeHistory"), "0");
 }
 
 TEST(DoDataBase, UnopenableDatabaseMakesWritesNoOpsAndReadsEmpty) {

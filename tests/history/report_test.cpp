@@ -37,11 +37,6 @@ TEST(HistoryReport, WritesTheHandWrittenReportToExactlyTheGivenPath) {
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"report"});
 }
 
-TEST(HistoryReport, WriteFailureIsReported) {
-    QTemporaryDir dir;
-    EXPECT_FALSE(HistoryReport::writeHTML(dir.path() + "/missing folder/report.html", kKey, kRows));
-}
-
 TEST(HistoryReport, SavePanelNameAndPath) {
     EXPECT_EQ(HistoryReport::proposedFileName(QDateTime(QDate(2026, 3, 14), QTime(9, 26, 53))),
               "ErasureHistory(2026-03-14 09-26-53)");
