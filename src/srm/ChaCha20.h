@@ -1,5 +1,7 @@
 #pragma once
 
+#include "srm/KeystreamGenerator.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -11,15 +13,13 @@ namespace velmora {
 // word-interleaved: word i of block b lands at 32-bit position i * 8 + b of each
 // 512-byte group. That is a fixed reordering of the standard keystream, so it is
 // exactly as unpredictable, and it lets the vector code store without transposing.
-class ChaCha20 {
+class ChaCha20 : public KeystreamGenerator {
 public:
     static constexpr std::size_t kGroupBytes = 512;
 
     ChaCha20(const std::array<std::uint32_t, 8>& key, std::uint64_t nonce, std::uint64_t counter);
 
-    // Fills `length` bytes with the next keystream bytes. `length` must be a multiple
-    // of kGroupBytes, so that the stream never repeats or skips a block.
-    void generate(std::uint8_t* out, std::size_t length);
+    void generate(std::uint8_t* out, std::size_t length) override;
 
 private:
     std::array<std::uint32_t, 16> state_;

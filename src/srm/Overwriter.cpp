@@ -110,7 +110,7 @@ void Overwriter::fill(const Pass& pass, int slot, std::uint64_t offset, std::siz
 {
     std::uint8_t* buffer = buffers_[slot].get();
     if (pass.random)
-        random_.fill(buffer, roundUp(length, ChaCha20::kGroupBytes));
+        random_.fill(buffer, roundUp(length, RandomSource::kBlockBytes));
     else
         fillPattern(pass, offset, buffer, length);
 }
