@@ -15,7 +15,7 @@ namespace velmora {
 
 namespace {
 
-constexpr std::size_t kBufferBytes = 4 << 20;
+constexpr std::size_t kBufferBytes = 16 << 20;
 constexpr std::size_t kBufferAlignment = 4096; // direct I/O wants page-aligned memory
 
 std::uint64_t roundUp(std::uint64_t value, std::uint64_t multiple)

@@ -121,9 +121,9 @@ TEST(SrmModes, PatternsStayInPhaseAndRandomDataNeverRepeatsAcrossBuffers)
 {
     TempDir dir;
     const std::string file = dir / "large.bin";
-    const std::size_t size = (9 << 20) + 1001;
+    const std::size_t size = (40 << 20) + 1001;
 
-    for (const int pass : {7, 8, 30}) { // 92 49 24, 49 24 92, 6D B6 DB
+    for (const int pass : {7, 8}) { // 92 49 24, then 49 24 92
         writeFile(file, std::string(size, 'x'));
         const ProcessResult run = runSrm({"-fvrz", file}, {.environment = {"VELMORA_SRM_STOP_AFTER_PASS=" + std::to_string(pass)}});
         ASSERT_EQ(run.status, kStoppedByHook) << run.err;
