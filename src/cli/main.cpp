@@ -1,6 +1,7 @@
 // velmora-cli: the application's tools for scripts and terminals, on the same
 // engine and the same history as the desktop application.
 #include "cli/HistoryCommand.h"
+#include "cli/DupesCommand.h"
 #include "cli/EraseCommand.h"
 #include "cli/LevelCommand.h"
 #include "cli/Terminal.h"
@@ -23,6 +24,7 @@ struct Command {
 const Command kCommands[] = {
     {"erase", "erase [--yes] PATH...            erase files and folders beyond recovery", velmora::cli::runEraseCommand},
     {"level", "level [--json] [1|2|3|7|35]      show or set the erasure level", velmora::cli::runLevelCommand},
+    {"dupes", "dupes [--hidden] [--system] [--json] [--delete [--yes]] DIR   find duplicate files and remove all but one copy", velmora::cli::runDupesCommand},
     {"history", "history [--type WipeFile|WipeVolume] [--json] | delete KEY | clear [--yes] | export KEY FILE   the erasure history", velmora::cli::runHistoryCommand},
 };
 

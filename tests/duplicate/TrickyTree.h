@@ -32,6 +32,12 @@ struct TrickyTree {
         otherTail.replace(1024, 3976, randomBytes(3976, 5));
         tree.write("same-head-1.dat", head);  // same first 1 KiB, other tail
         tree.write("same-head-2.dat", otherTail);
+        // Two copies and a third file of their size sharing their first 2 KiB.
+        const QByteArray copy = randomBytes(10000, 12);
+        QByteArray sameStart = copy;
+        sameStart.replace(2048, 7952, randomBytes(7952, 13));
+        fileClasses.append({tree.write("near/x.dat", copy), tree.write("near/y.dat", copy)});
+        tree.write("near/z.dat", sameStart);
         QByteArray lastByte = randomBytes(70000, 6), changed = lastByte;
         changed[changed.size() - 1] = char(changed.back() ^ 1);
         tree.write("last-byte-1.dat", lastByte);

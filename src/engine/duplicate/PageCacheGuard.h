@@ -11,8 +11,9 @@ namespace velmora {
 // descriptor bypass the cache (F_NOCACHE) instead.
 class PageCacheGuard {
 public:
-    // `offset` must be a multiple of the page size.
-    PageCacheGuard(int fd, quint64 offset, quint64 length);
+    // `offset` must be a multiple of the page size. With firstPageIsOurs the
+    // range's first page counts as not cached before, whatever its state.
+    PageCacheGuard(int fd, quint64 offset, quint64 length, bool firstPageIsOurs = false);
     void dropReadPages() const;
 
 private:

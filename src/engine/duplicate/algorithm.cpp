@@ -23,86 +23,107 @@ int openForReading(const QString& path) {
     return fd;
 }
 
-// Reads up to `size` bytes at `offset`, fewer only at the end of the file;
-// -1 on a read error.
-ssize_t readFully(int fd, unsigned char* buffer, size_t size, quint64 offset) {
-    size_t got = 0;
-    while (got < size) {
-        const ssize_t n = pread(fd, buffer + got, size - got, off_t(offset + got));
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) return -1;
-        if (n == 0) break;
-        got += size_t(n);
-    }
-    return ssize_t(got);
+// One read at `offset`; fewer bytes than asked mean the end of the file.
+ssize_t readOnce(int fd, unsigned char* buffer, size_t size, quint64 offset) {
+    ssize_t n;
+    do n = pread(fd, buffer, size, off_t(offset));
+    while (n < 0 && errno == EINTR);
+    return n;
 }
 
-// Reads the first block without leaving it in the page cache unless it was
-// cached already: a non-blocking read succeeds only from the cache, and a
-// block that had to come from the disk is dropped again.
-ssize_t readFirstBlock(int fd, unsigned char* buffer, size_t size) {
+// Reads the first block. The answer `cached` tells whether it came from the
+// page cache: a non-blocking read succeeds only from there.
+ssize_t readFirstBlock(int fd, unsigned char* buffer, size_t size, bool& cached) {
+    cached = true;
 #if defined(__APPLE__)
     fcntl(fd, F_NOCACHE, 1);
-    return readFully(fd, buffer, size, 0);
 #elif defined(__linux__) && defined(RWF_NOWAIT)
-    posix_fadvise(fd, 0, 0, POSIX_FADV_RANDOM);  // no read-ahead beyond the block
     iovec vector{buffer, size};
-    const ssize_t cached = preadv2(fd, &vector, 1, 0, RWF_NOWAIT);
-    if (cached == ssize_t(size) || cached == 0) return cached;
-    const ssize_t got = readFully(fd, buffer, size, 0);
-    if (got >= 0 && cached < 0 && errno == EAGAIN) posix_fadvise(fd, 0, off_t(size), POSIX_FADV_DONTNEED);
-    return got;
+    const ssize_t fromCache = preadv2(fd, &vector, 1, 0, RWF_NOWAIT);
+    if (fromCache >= 0) return fromCache;
+    if (errno == EAGAIN) {
+        cached = false;
+        posix_fadvise(fd, 0, 0, POSIX_FADV_RANDOM);  // no read-ahead beyond the block
+        const ssize_t got = readOnce(fd, buffer, size, 0);
+        posix_fadvise(fd, 0, 0, POSIX_FADV_NORMAL);
+        return got;
+    }
+#endif
+    return readOnce(fd, buffer, size, 0);
+}
+
+void dropFirstBlock(int fd) {
+#if defined(__linux__)
+    posix_fadvise(fd, 0, off_t(algorithm::kFirstPageSize), POSIX_FADV_DONTNEED);
 #else
-    return readFully(fd, buffer, size, 0);
+    Q_UNUSED(fd);
 #endif
 }
 
 }  // namespace
 
+OpenedFile::~OpenedFile() { close(); }
+
+void OpenedFile::close() {
+    if (m_fd >= 0) ::close(m_fd);
+    m_fd = -1;
+}
+
+bool OpenedFile::open(const QString& path) {
+    m_fd = openForReading(path);
+    return m_fd >= 0;
+}
+
 algorithm::algorithm() : m_buffer(new unsigned char[kReadSize]) {}
 
 algorithm::~algorithm() = default;
 
-bool algorithm::getMD5_1K(fileAttrbItem& item) {
-    const int fd = openForReading(item.filePathName);
-    if (fd < 0) {
+bool algorithm::getMD5_1K(fileAttrbItem& item, OpenedFile* file) {
+    OpenedFile own;
+    OpenedFile& opened = file ? *file : own;
+    if (!opened.open(item.filePathName)) {
         qCInfo(lcDuplicate, "open file:%s failed", qUtf8Printable(item.filePathName));
         return false;
     }
-    unsigned char* block = m_buffer.get();
-    std::memset(block, 0, kFirstBlockSize);
-    const ssize_t got = readFirstBlock(fd, block, kFirstBlockSize);
-    close(fd);
+    unsigned char* page = m_buffer.get();
+    std::memset(page, 0, kFirstPageSize);
+    const ssize_t got = readFirstBlock(opened.fd(), page, kFirstPageSize, opened.firstBlockWasCached);
+    if (!file) forgetFirstBlock(opened);
     if (got < 0) return false;
-    item.md5_1k = crc::crc64(block, kFirstBlockSize);
-    if (got > 0 && size_t(got) < kFirstBlockSize) item.md5 = crc::crc64(block, uint32_t(got));
+    item.md5_1k = crc::crc64(page, kFirstBlockSize);
+    opened.firstPageCrc = crc::crc64(page, kFirstPageSize);
+    if (got > 0 && size_t(got) < kFirstPageSize) item.md5 = crc::crc64(page, uint32_t(got));
     return true;
 }
 
-bool algorithm::getMD5(fileAttrbItem& item) {
+void algorithm::forgetFirstBlock(const OpenedFile& file) {
+    if (!file.firstBlockWasCached && file.fd() >= 0) dropFirstBlock(file.fd());
+}
+
+bool algorithm::getMD5(fileAttrbItem& item, const OpenedFile* file) {
     uint64_t reg = crc::kInitial;
     quint64 offset = 0;
     for (;;) {
-        const int fd = openForReading(item.filePathName);
-        if (fd < 0) {
+        OpenedFile own;
+        const bool reuse = file && offset == 0 && file->fd() >= 0;
+        if (!reuse && !own.open(item.filePathName)) {
             qCInfo(lcDuplicate, "open file :%s failed", qUtf8Printable(item.filePathName));
             return false;
         }
+        const int fd = reuse ? file->fd() : own.fd();
         struct stat st;
-        if (fstat(fd, &st) != 0 || (offset == 0 && st.st_size == 0)) {
-            close(fd);
-            return false;
-        }
+        if (fstat(fd, &st) != 0 || (offset == 0 && st.st_size == 0)) return false;
         const quint64 span = qMin(kDescriptorSpan, quint64(st.st_size) > offset ? quint64(st.st_size) - offset : 0);
-        const PageCacheGuard guard(fd, offset, span);
+        // The first block read through `file` is ours to drop as well.
+        const bool firstBlockIsOurs = reuse && !file->firstBlockWasCached;
+        const PageCacheGuard guard(fd, offset, span, firstBlockIsOurs);
         quint64 segment = 0;
         bool atEnd = false;
         while (segment < kDescriptorSpan) {
             const size_t want = size_t(qMin<quint64>(kReadSize, kDescriptorSpan - segment));
-            const ssize_t n = readFully(fd, m_buffer.get(), want, offset + segment);
+            const ssize_t n = readOnce(fd, m_buffer.get(), want, offset + segment);
             if (n < 0) {
                 guard.dropReadPages();
-                close(fd);
                 return false;
             }
             reg = crc::update(reg, m_buffer.get(), size_t(n));
@@ -113,7 +134,6 @@ bool algorithm::getMD5(fileAttrbItem& item) {
             }
         }
         guard.dropReadPages();
-        close(fd);
         offset += segment;
         if (atEnd) break;
     }

@@ -15,8 +15,9 @@ namespace velmora {
 
 namespace {
 
-// How far a file has been read.
-enum class Stage : quint8 { Unread, FirstBlock, Whole, Failed };
+// How far a file has been read: Distinct means it was read far enough to
+// know that no other file equals it.
+enum class Stage : quint8 { Unread, FirstBlock, Distinct, Whole, Failed };
 
 bool isFolder(const QString& path) {
     struct stat st;
@@ -63,8 +64,10 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
 }
 
 // Files are equal when size, first-block and whole-file CRC-64 agree. They
-// are sorted into classes by those keys in three hash passes, and each pass
-// reads only the files that still share their class with another file.
+// are sorted into classes by those keys with hash maps; a file is read only
+// while it still shares its class with another file. Each group of equal
+// size is one job of the background pool: its files are opened once, their
+// first blocks read and compared, and those still alike read whole.
 void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files) {
     const qsizetype total = files.size();
     std::atomic<qsizetype> settled{0};
@@ -76,62 +79,82 @@ void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files) {
     fileAttrbItem* const items = files.data();
     QList<qsizetype> all(total);
     std::iota(all.begin(), all.end(), 0);
+    const auto firstBlockKey = [&](qsizetype i) { return FingerprintKey{items[i].fileSize, items[i].md5_1k, 0}; };
 
     // Same size (an empty file is never a duplicate).
-    QList<qsizetype> sameSize;
-    for (const QList<qsizetype>& bySize : classesByKey<quint64>(all, [&](qsizetype i) { return files[i].fileSize; })) {
-        if (bySize.size() > 1 && files[bySize.first()].fileSize > 0) sameSize.append(bySize);
+    QList<QList<qsizetype>> sameSize;
+    for (QList<qsizetype>& bySize : classesByKey<quint64>(all, [&](qsizetype i) { return items[i].fileSize; })) {
+        if (bySize.size() > 1 && items[bySize.first()].fileSize > 0) sameSize.append(std::move(bySize));
         else settle(bySize.size());
     }
-    std::sort(sameSize.begin(), sameSize.end());
 
-    FingerprintPool::run(sameSize.size(), [&](algorithm& worker, qsizetype n) {
-        fileAttrbItem& file = items[sameSize[n]];
-        m_CurrentSearchPath.set(file.filePathName);
-        if (!worker.getMD5_1K(file)) stage[sameSize[n]] = Stage::Failed;
-        else stage[sameSize[n]] = file.md5 != 0 ? Stage::Whole : Stage::FirstBlock;
+    FingerprintPool::run(sameSize.size(), [&](algorithm& worker, qsizetype job) {
+        const QList<qsizetype>& members = sameSize[job];
+        // Files stay open between their two reads, up to a bound.
+        const bool keepOpen = members.size() <= kMaxOpenPerSize;
+        std::vector<OpenedFile> opened(size_t(members.size()));
+        QList<qsizetype> readable;  // positions in members
+        for (qsizetype k = 0; k < members.size(); ++k) {
+            if (stopped()) return;
+            const qsizetype i = members[k];
+            OpenedFile& file = opened[size_t(k)];
+            m_CurrentSearchPath.set(items[i].filePathName);
+            const bool read = worker.getMD5_1K(items[i], &file);
+            if (!keepOpen) {
+                worker.forgetFirstBlock(file);
+                file.close();
+            }
+            if (!read) {
+                stage[i] = Stage::Failed;
+                settle(1);
+                continue;
+            }
+            stage[i] = items[i].md5 != 0 ? Stage::Whole : Stage::FirstBlock;
+            readable.append(k);
+        }
+        // Files whose first page (which holds the first block) is alike are
+        // read whole; the page CRC only saves reads and decides nothing.
+        const auto firstPageKey = [&](qsizetype k) {
+            return qMakePair(firstBlockKey(members[k]), opened[size_t(k)].firstPageCrc);
+        };
+        for (const QList<qsizetype>& alike : classesByKey<QPair<FingerprintKey, quint64>>(readable, firstPageKey)) {
+            for (qsizetype k : alike) {
+                const qsizetype i = members[k];
+                OpenedFile& file = opened[size_t(k)];
+                if (alike.size() < 2 || stage[i] == Stage::Whole) {
+                    if (stage[i] == Stage::FirstBlock) stage[i] = Stage::Distinct;
+                    worker.forgetFirstBlock(file);
+                    settle(1);
+                    continue;
+                }
+                if (stopped()) return;
+                m_CurrentSearchPath.set(items[i].filePathName);
+                stage[i] = worker.getMD5(items[i], &file) ? Stage::Whole : Stage::Failed;
+                settle(1);
+            }
+        }
     }, m_stop);
 
-    // Same size and first block.
-    QSet<quint64> unfinishedSizes;  // sizes some of whose files were not read (stopped)
-    QList<qsizetype> readable;
-    for (qsizetype i : sameSize) {
-        if (stage[i] == Stage::Unread) unfinishedSizes.insert(files[i].fileSize);
-        else if (stage[i] == Stage::Failed) settle(1);
-        else readable.append(i);
-    }
-    const auto firstBlockKey = [&](qsizetype i) { return FingerprintKey{files[i].fileSize, files[i].md5_1k, 0}; };
-    QList<qsizetype> needWhole;
-    for (const QList<qsizetype>& byFirstBlock : classesByKey<FingerprintKey>(readable, firstBlockKey)) {
-        for (qsizetype i : byFirstBlock) {
-            if (byFirstBlock.size() > 1 && stage[i] == Stage::FirstBlock) needWhole.append(i);
-            else settle(1);
+    // Same whole file. When stopped, a class some of whose files were not
+    // read is left out, so that every group reported is complete.
+    QSet<quint64> unfinishedSizes;
+    QSet<FingerprintKey> unfinishedFirstBlocks;
+    for (const QList<qsizetype>& members : sameSize) {
+        for (qsizetype i : members) {
+            if (stage[i] == Stage::Unread) unfinishedSizes.insert(items[i].fileSize);
+            if (stage[i] == Stage::FirstBlock) unfinishedFirstBlocks.insert(firstBlockKey(i));
         }
     }
-    std::sort(needWhole.begin(), needWhole.end());
-
-    FingerprintPool::run(needWhole.size(), [&](algorithm& worker, qsizetype n) {
-        fileAttrbItem& file = items[needWhole[n]];
-        m_CurrentSearchPath.set(file.filePathName);
-        stage[needWhole[n]] = worker.getMD5(file) ? Stage::Whole : Stage::Failed;
-        settle(1);
-    }, m_stop);
-
-    // Same whole file. A class whose files were not all read (stopped) is
-    // left out, so every group reported is complete.
-    QSet<FingerprintKey> unfinishedFirstBlocks;
-    for (qsizetype i : needWhole)
-        if (stage[i] == Stage::FirstBlock) unfinishedFirstBlocks.insert(firstBlockKey(i));
     QList<qsizetype> comparable;
-    for (qsizetype i : readable)
-        if (stage[i] == Stage::Whole && !unfinishedSizes.contains(files[i].fileSize) &&
+    for (qsizetype i = 0; i < total; ++i)
+        if (stage[i] == Stage::Whole && !unfinishedSizes.contains(items[i].fileSize) &&
             !unfinishedFirstBlocks.contains(firstBlockKey(i)))
             comparable.append(i);
-    const auto wholeKey = [&](qsizetype i) { return FingerprintKey{files[i].fileSize, files[i].md5_1k, files[i].md5}; };
+    const auto wholeKey = [&](qsizetype i) { return FingerprintKey{items[i].fileSize, items[i].md5_1k, items[i].md5}; };
     for (const QList<qsizetype>& equal : classesByKey<FingerprintKey>(comparable, wholeKey)) {
         if (equal.size() < 2) continue;
-        for (qsizetype k = 1; k < equal.size(); ++k) m_duplicateFiles.append(files[equal[k]]);
-        m_duplicateFiles.append(files[equal.first()]);
+        for (qsizetype k = 1; k < equal.size(); ++k) m_duplicateFiles.append(items[equal[k]]);
+        m_duplicateFiles.append(items[equal.first()]);
     }
 }
 

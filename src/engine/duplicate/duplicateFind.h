@@ -38,6 +38,7 @@ public:
 
 private:
     enum class Phase { Idle, Enumerating, Applications, Files, Done };
+    static constexpr qsizetype kMaxOpenPerSize = 64;  // descriptors one job keeps open
 
     void findDuplicateFiles(QList<fileAttrbItem>& files);
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
