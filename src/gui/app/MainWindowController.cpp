@@ -2,6 +2,7 @@
 
 #include "engine/platform/NotificationCenter.h"
 #include "gui/app/PlaceholderPage.h"
+#include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
 
@@ -89,7 +90,9 @@ void MainWindowController::addPages() {
                                        {"Internet Cleaner"},
                                        {"Duplicate Finder"}};
     for (const QStringList& pageTitles : titles) {
-        QWidget* page = new PlaceholderPage(pageTitles, m_pageArea);
+        QWidget* page = m_allBaseViewArr.size() == 5
+                            ? static_cast<QWidget*>(new SameFileDeleteViewController(this, m_pageArea))
+                            : new PlaceholderPage(pageTitles, m_pageArea);
         page->setGeometry(0, 0, kPageWidth, kPageHeight);
         page->setVisible(m_allBaseViewArr.isEmpty());
         m_allBaseViewArr.append(page);

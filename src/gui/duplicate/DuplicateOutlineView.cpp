@@ -1,0 +1,54 @@
+#include "gui/duplicate/DuplicateOutlineView.h"
+
+#include "gui/duplicate/DuplicateOutlineDelegate.h"
+#include "gui/duplicate/DuplicateOutlineModel.h"
+#include "gui/widgets/RFOverlayScroller.h"
+
+#include <QHeaderView>
+#include <QMouseEvent>
+
+namespace velmora {
+
+DuplicateOutlineView::DuplicateOutlineView(QWidget* parent) : QTreeView(parent) {
+    setItemDelegate(new DuplicateOutlineDelegate(this));
+    // The delegate draws the arrows and the indent of the copies itself.
+    setIndentation(0);
+    setRootIsDecorated(false);
+    setUniformRowHeights(false);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    setMouseTracking(true);
+    viewport()->setAttribute(Qt::WA_Hover);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    RFOverlayScroller::apply(this);
+}
+
+QRect DuplicateOutlineView::checkBoxRect(const QModelIndex& index) const {
+    const QModelIndex name = index.siblingAtColumn(DuplicateOutlineModel::Name);
+    return DuplicateOutlineDelegate::checkBoxRect(visualRect(name),
+                                                  name.data(DuplicateOutlineModel::IsGroupRole).toBool());
+}
+
+void DuplicateOutlineView::mousePressEvent(QMouseEvent* event) {
+    const QPoint position = event->position().toPoint();
+    const QModelIndex index = indexAt(position);
+    if (event->button() == Qt::LeftButton && index.isValid()) {
+        const QModelIndex name = index.siblingAtColumn(DuplicateOutlineModel::Name);
+        const bool isGroup = name.data(DuplicateOutlineModel::IsGroupRole).toBool();
+        // The hit areas reach a little beyond the images.
+        if (checkBoxRect(name).adjusted(-4, -4, 4, 4).contains(position)) {
+            emit checkBoxClicked(name);
+            return;
+        }
+        if (isGroup && DuplicateOutlineDelegate::arrowRect(visualRect(name)).adjusted(-4, -4, 4, 4).contains(position)) {
+            setExpanded(name, !isExpanded(name));
+            return;
+        }
+    }
+    QTreeView::mousePressEvent(event);
+}
+
+}  // namespace velmora

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QTreeView>
+
+namespace velmora {
+
+// The tree view of the duplicate outline: a click on a row's checkbox is
+// reported as checkBoxClicked, a click on a group's arrow opens or closes it.
+class DuplicateOutlineView : public QTreeView {
+    Q_OBJECT
+public:
+    explicit DuplicateOutlineView(QWidget* parent = nullptr);
+    // Where a row's checkbox is drawn, in viewport coordinates.
+    QRect checkBoxRect(const QModelIndex& index) const;
+
+signals:
+    void checkBoxClicked(const QModelIndex& index);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+};
+
+}  // namespace velmora

@@ -1,0 +1,38 @@
+#include "gui/duplicate/DuplicateTabBar.h"
+
+#include "engine/duplicate/DuplicateResults.h"
+#include "gui/widgets/Style.h"
+
+#include <QFileInfo>
+
+namespace velmora {
+
+DuplicateTabBar::DuplicateTabBar(QWidget* parent) : QTabBar(parent) {
+    setDrawBase(false);
+    setExpanding(false);
+    // Category names are short; only the folder's name is shortened, by hand.
+    setElideMode(Qt::ElideNone);
+    setUsesScrollButtons(false);
+    setFocusPolicy(Qt::NoFocus);
+    setFont(Style::regularFont(13));
+    setCursor(Qt::PointingHandCursor);
+    setStyleSheet(QString("QTabBar::tab { background: transparent; color: %1; border: none;"
+                          "  border-bottom: 2px solid transparent; padding: 6px 12px; margin-right: 4px; }"
+                          "QTabBar::tab:hover { color: white; }"
+                          "QTabBar::tab:selected { color: white; border-bottom: 2px solid %2; }")
+                      .arg(Style::rgba(Style::kSecondaryText), Style::rgba(Style::kAccent)));
+    addTab("All");
+    for (int tab = 1; tab < kTabCount; ++tab)
+        addTab(DuplicateResults::categoryLabel(DuplicateResults::categoryOfTab(tab)));
+}
+
+void DuplicateTabBar::setAllTabLabel(const QString& searchPath) {
+    const QString name = QFileInfo(searchPath).fileName();
+    m_allLabel = name.isEmpty() ? searchPath : name;
+    setTabText(0, fontMetrics().elidedText(m_allLabel, Qt::ElideMiddle, 160));
+    setTabToolTip(0, searchPath);
+}
+
+QString DuplicateTabBar::label(int tab) const { return tab == 0 ? m_allLabel : tabText(tab); }
+
+}  // namespace velmora

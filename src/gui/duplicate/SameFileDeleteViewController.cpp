@@ -1,0 +1,540 @@
+#include "gui/duplicate/SameFileDeleteViewController.h"
+
+#include "engine/duplicate/DuplicateFilesOpt.h"
+#include "engine/duplicate/DuplicateResults.h"
+#include "engine/duplicate/ThreadWorker.h"
+#include "engine/erase/KxAuthorization.h"
+#include "gui/app/MainWindowController.h"
+#include "gui/duplicate/ChoosePathPanel.h"
+#include "gui/duplicate/DeleteAllCopiesSheet.h"
+#include "gui/duplicate/DuplicateEmptyView.h"
+#include "gui/duplicate/DuplicateOutlineDelegate.h"
+#include "gui/duplicate/DuplicateOutlineModel.h"
+#include "gui/duplicate/DuplicateOutlineView.h"
+#include "gui/duplicate/DuplicateSearchingView.h"
+#include "gui/duplicate/DuplicateStartView.h"
+#include "gui/duplicate/DuplicateTabBar.h"
+#include "gui/duplicate/DuplicationDetFailViewController.h"
+#include "gui/duplicate/DuplicationDetProgressViewController.h"
+#include "gui/duplicate/DuplicationDetSuccessViewController.h"
+#include "gui/duplicate/MarkSureDeleteVC.h"
+#include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/MLCircularIndicator.h"
+#include "gui/widgets/Style.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QProcess>
+#include <QStackedWidget>
+#include <QTimer>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace velmora {
+namespace {
+
+constexpr int kContentTop = 96;
+constexpr int kProgressIntervalMs = 100;
+
+qsizetype leafCount(const SimpleTreeNode* tree) {
+    qsizetype count = 0;
+    if (tree)
+        for (const SimpleTreeNode::Pointer& group : tree->children()) count += group->children().size();
+    return count;
+}
+
+qsizetype selectedLeaves(const SimpleTreeNode& group) {
+    qsizetype count = 0;
+    for (const SimpleTreeNode::Pointer& leaf : group.children())
+        if (leaf->data().selectNum == SimpleNodeData::Selected) ++count;
+    return count;
+}
+
+SimpleTreeNode::Pointer sharedLeaf(const SimpleTreeNode* leaf) {
+    if (!leaf || !leaf->parent()) return {};
+    for (const SimpleTreeNode::Pointer& sibling : leaf->parent()->children())
+        if (sibling.get() == leaf) return sibling;
+    return {};
+}
+
+}  // namespace
+
+SameFileDeleteViewController::SameFileDeleteViewController(MainWindowController* superDelegate, QWidget* parent)
+    : QWidget(parent), m_superDelegate(superDelegate), m_progressTimer(new QTimer(this)) {
+    resize(MainWindowController::kPageWidth, MainWindowController::kPageHeight);
+    createHeader();
+
+    m_views = new QStackedWidget(this);
+    m_views->setGeometry(0, kContentTop, width(), height() - kContentTop);
+    auto* startPage = new QWidget(m_views);
+    m_startView = new DuplicateStartView(startPage);
+    m_startView->setGeometry(112, 40, 560, 300);
+    connect(m_startView, &DuplicateStartView::chooseFolder, this,
+            &SameFileDeleteViewController::chooseFolderButtonClicked);
+    connect(m_startView, &DuplicateStartView::folderDropped, this, &SameFileDeleteViewController::searchPathChosen);
+    QLabel* hint = Style::label("Nothing is removed before you confirm. Removed copies do not go to the Trash.", 11, true);
+    hint->setParent(startPage);
+    hint->setAlignment(Qt::AlignCenter);
+    hint->setGeometry(0, 362, width(), 20);
+    m_views->addWidget(startPage);
+
+    m_searchingView = new DuplicateSearchingView(m_views);
+    connect(m_searchingView, &DuplicateSearchingView::stopScanBtnClicked, this,
+            &SameFileDeleteViewController::stopScanBtnClicked);
+    m_views->addWidget(m_searchingView);
+
+    m_resultView = createResultView();
+    m_views->addWidget(m_resultView);
+
+    m_emptyView = new DuplicateEmptyView(m_views);
+    connect(m_emptyView, &DuplicateEmptyView::chooseFolder, this,
+            &SameFileDeleteViewController::chooseFolderButtonClicked);
+    connect(m_emptyView, &DuplicateEmptyView::searchAgain, this, &SameFileDeleteViewController::searchBtnClicked);
+    m_views->addWidget(m_emptyView);
+    m_views->setCurrentWidget(startPage);
+
+    m_progressTimer->setInterval(kProgressIntervalMs);
+    connect(m_progressTimer, &QTimer::timeout, this, &SameFileDeleteViewController::getPrograss);
+}
+
+SameFileDeleteViewController::~SameFileDeleteViewController() {
+    // The worker uses this page: it is stopped and waited for first.
+    if (!m_worker) return;
+    m_isStopScan = true;
+    m_bStopDelTask = true;
+    if (m_opt) m_opt->stopSearch();
+    m_worker->cancel();
+    m_worker->wait();
+}
+
+void SameFileDeleteViewController::createHeader() {
+    QLabel* title = Style::label("Duplicate Finder", 22, false, true);
+    title->setParent(this);
+    title->setGeometry(40, 28, 400, 34);
+    QLabel* subtitle = Style::label("Find identical files in a folder and remove the extra copies.", 12, true);
+    subtitle->setParent(this);
+    subtitle->setGeometry(40, 62, 560, 20);
+}
+
+QWidget* SameFileDeleteViewController::createResultView() {
+    auto* view = new QWidget(m_views);
+    m_tabBar = new DuplicateTabBar(view);
+    connect(m_tabBar, &QTabBar::currentChanged, this, &SameFileDeleteViewController::loadValueForSegment);
+
+    m_titleLabel = Style::label(QString(), 12, true);
+    m_titleLabel->setObjectName("titleLine");
+
+    m_outlineView = new DuplicateOutlineView(view);
+    m_model = new DuplicateOutlineModel(this);
+    m_outlineView->setModel(m_model);
+    connect(m_outlineView, &DuplicateOutlineView::checkBoxClicked, this,
+            &SameFileDeleteViewController::setSelectState);
+    connect(m_outlineView, &QWidget::customContextMenuRequested, this,
+            &SameFileDeleteViewController::outlineRightMouseDown);
+
+    QHeaderView* header = m_outlineView->header();
+    header->setFixedHeight(30);
+    header->setSectionsClickable(true);
+    header->setHighlightSections(false);
+    header->setSortIndicatorShown(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setFont(Style::regularFont(12));
+    header->setStretchLastSection(true);
+    for (int column = 0; column < DuplicateOutlineModel::ColumnCount; ++column) {
+        header->setSectionResizeMode(column, QHeaderView::Fixed);
+        header->resizeSection(column, DuplicateOutlineModel::columnWidth(column));
+    }
+    m_outlineView->setStyleSheet(
+        "QHeaderView { background: transparent; border-bottom: 1px solid rgba(255,255,255,30); }"
+        "QHeaderView::section { padding-left: 8px; }"
+        "QHeaderView::section:first { padding-left: 80px; }");
+    connect(header, &QHeaderView::sectionClicked, this, &SameFileDeleteViewController::outlineViewDidClickTableColumn);
+
+    m_selectAllButton = new ImageToggle("checkbox_no", header->viewport());
+    m_selectAllButton->setToolTip("Select all");
+    m_selectAllButton->move(DuplicateOutlineDelegate::kGroupCheckBoxX, (header->height() - m_selectAllButton->height()) / 2);
+    connect(m_selectAllButton, &ImageToggle::clicked, this, &SameFileDeleteViewController::setAllSelectOrNoSelect);
+
+    m_noGroupsLabel = Style::label("No duplicates in this category", 13, true);
+    m_noGroupsLabel->setAlignment(Qt::AlignCenter);
+    m_noGroupsLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
+
+    m_chooseButton = ImageSetButton::secondary("Choose Folder", view);
+    connect(m_chooseButton, &QPushButton::clicked, this, &SameFileDeleteViewController::chooseFolderButtonClicked);
+    m_searchAgainButton = ImageSetButton::secondary("Search Again", view);
+    connect(m_searchAgainButton, &QPushButton::clicked, this, &SameFileDeleteViewController::searchBtnClicked);
+    m_removeButton = ImageSetButton::primary("Remove", view);
+    m_removeButton->setFixedWidth(130);
+    connect(m_removeButton, &QPushButton::clicked, this, &SameFileDeleteViewController::removeBtnClicked);
+
+    auto* layout = new QVBoxLayout(view);
+    layout->setContentsMargins(26, 0, 26, 22);
+    layout->setSpacing(8);
+    layout->addWidget(m_tabBar, 0, Qt::AlignLeft);
+    layout->addWidget(m_titleLabel);
+    auto* outlineArea = new QGridLayout;
+    outlineArea->addWidget(m_outlineView, 0, 0);
+    outlineArea->addWidget(m_noGroupsLabel, 0, 0);
+    layout->addLayout(outlineArea, 1);
+    layout->addSpacing(6);
+    auto* bottom = new QHBoxLayout;
+    bottom->setSpacing(10);
+    bottom->addWidget(m_chooseButton);
+    bottom->addWidget(m_searchAgainButton);
+    bottom->addStretch(1);
+    bottom->addWidget(m_removeButton);
+    layout->addLayout(bottom);
+    return view;
+}
+
+SimpleTreeNode* SameFileDeleteViewController::treeData() const { return m_model->tree(); }
+DeleteAllCopiesSheet* SameFileDeleteViewController::deleteAllCopiesSheet() const { return m_deleteAllCopiesSheet; }
+MarkSureDeleteVC* SameFileDeleteViewController::markSurePanel() const { return m_markSurePanel; }
+DuplicationDetProgressViewController* SameFileDeleteViewController::progressPanel() const { return m_progressPanel; }
+DuplicationDetSuccessViewController* SameFileDeleteViewController::successPanel() const { return m_successPanel; }
+DuplicationDetFailViewController* SameFileDeleteViewController::failPanel() const { return m_failPanel; }
+
+// ---- Choosing a folder and searching --------------------------------------
+
+void SameFileDeleteViewController::chooseFolderButtonClicked() {
+    if (!m_isCanClick) return;
+    const QString start = m_searchPath.isEmpty() ? QDir::homePath() : m_searchPath;
+    auto* panel = new ChoosePathPanel(start, this);
+    connect(panel, &ChoosePathPanel::pathChosen, this, &SameFileDeleteViewController::searchPathChosen);
+    panel->open();
+}
+
+void SameFileDeleteViewController::searchPathChosen(const QString& path) {
+    if (path.isEmpty() || !m_isCanClick) return;
+    m_searchPath = QDir::cleanPath(path);
+    searchBtnClicked();
+}
+
+void SameFileDeleteViewController::searchBtnClicked() {
+    if (m_searchPath.isEmpty() || m_worker || !m_isCanClick) return;
+    m_model->setTree(nullptr);
+    m_results.reset();
+    m_opt = std::make_unique<DuplicateFilesOpt>();
+    // A folder's hidden entries belong to programs (settings, caches,
+    // repositories): their copies are not the user's to remove.
+    m_opt->setSearchOption({false, false});
+    m_isStopScan = false;
+    m_bSearchFinished = false;
+    setBusy(true);
+    m_searchingView->reset(m_searchPath);
+    m_views->setCurrentWidget(m_searchingView);
+    m_progressTimer->start();
+    DuplicateFilesOpt* opt = m_opt.get();
+    m_worker = ThreadWorker::workOn(
+        this, [this, opt](const QVariant& path, ThreadWorker*) { return searchDuplicateFiles(opt, path.toString()); },
+        m_searchPath, [this](const QVariant& succeeded) { searchFinished(succeeded.toBool()); });
+}
+
+QVariant SameFileDeleteViewController::searchDuplicateFiles(DuplicateFilesOpt* opt, const QString& path) {
+    if (m_isStopScan) return false;  // stopped before the search began
+    return opt->beginSearchAtPath(path, 0);
+}
+
+void SameFileDeleteViewController::getPrograss() {
+    if (!m_opt) return;
+    // A stop may reach the search object before the search has started on
+    // it, which ignores it: it is repeated until the search ends.
+    if (m_isStopScan) m_opt->stopSearch();
+    m_searchingView->setProgress(m_opt->getProgress());
+    m_searchingView->setCurrentPath(m_opt->getCurrentSearchFile());
+}
+
+void SameFileDeleteViewController::stopScanBtnClicked() {
+    if (m_bSearchFinished || !m_opt) return;
+    m_isStopScan = true;
+    m_opt->stopSearch();
+    m_searchingView->showStopping();
+}
+
+void SameFileDeleteViewController::searchFinished(bool succeeded) {
+    // The worker has done its work and only returns now: a new one may start.
+    m_worker = nullptr;
+    m_progressTimer->stop();
+    m_bSearchFinished = true;
+    m_searchingView->indicator()->setIndeterminate(false);
+    setBusy(false);
+
+    SimpleTreeNode::Pointer tree;
+    if (!m_opt->getDuplicateFiles(tree)) {
+        m_emptyView->setSearchPath(m_searchPath);
+        m_views->setCurrentWidget(m_emptyView);
+        if (!succeeded && !m_isStopScan && !QDir(m_searchPath).isReadable())
+            showFailView("The folder can't be searched", QString("%1 could not be read.").arg(m_searchPath));
+        return;
+    }
+    m_results = std::make_unique<DuplicateResults>(tree);
+    // Every copy but the one found first in each group is offered for removal.
+    m_results->setAllSelectOrNoSelect(*tree, true);
+    m_sortColumn = -1;
+    m_outlineView->header()->setSortIndicatorShown(false);
+    m_tabBar->setAllTabLabel(m_searchPath);
+    m_views->setCurrentWidget(m_resultView);
+    segmentSelect(0);
+}
+
+// ---- Tabs ------------------------------------------------------------------
+
+void SameFileDeleteViewController::segmentSelect(int tab) {
+    if (m_tabBar->currentIndex() != tab)
+        m_tabBar->setCurrentIndex(tab);  // reported through currentChanged
+    else
+        loadValueForSegment(tab);
+}
+
+void SameFileDeleteViewController::loadValueForSegment(int tab) {
+    if (tab < 0 || tab >= DuplicateTabBar::kTabCount) return;
+    m_remberWitchSelect = tab;
+    m_model->setTree(m_results ? m_results->treeForTab(tab).get() : nullptr);
+    if (m_model->rowCount() > 0) m_outlineView->expand(m_model->index(0, 0));
+    m_noGroupsLabel->setVisible(m_model->rowCount() == 0);
+    updateTitle();
+    updateSelectAllButton();
+    updateRemoveButton();
+}
+
+// ---- Ticks -----------------------------------------------------------------
+
+void SameFileDeleteViewController::setSelectState(const QModelIndex& index) {
+    SimpleTreeNode* node = m_model->nodeForIndex(index);
+    if (!m_isCanClick || !m_results || !node) return;
+    if (node->isLeaf()) {
+        const bool select = node->data().selectNum != SimpleNodeData::Selected;
+        if (!m_results->setSelectState(*node, select)) {
+            // Ticking it would leave the group without a copy: ask first.
+            m_deleteAllCopiesSheet = new DeleteAllCopiesSheet(this);
+            const SimpleTreeNode::Pointer leaf = sharedLeaf(node);
+            connect(m_deleteAllCopiesSheet, &QDialog::finished, this,
+                    [this, leaf](int code) { alertEnded(code, leaf); });
+            m_deleteAllCopiesSheet->open();
+            return;
+        }
+    } else {
+        // A group's checkbox clears a group with any copy ticked, and ticks
+        // every copy but the last of a group with none.
+        const bool select = node->data().selectNum == SimpleNodeData::NotSelected;
+        const QList<SimpleTreeNode::Pointer> leaves = node->children();
+        for (qsizetype i = 0; i < leaves.size(); ++i)
+            m_results->setSelectState(*leaves[i], select && i + 1 < leaves.size());
+    }
+    refreshSelection();
+}
+
+void SameFileDeleteViewController::alertEnded(int code, const SimpleTreeNode::Pointer& leaf) {
+    if (code != QDialog::Accepted || !leaf || !m_results) return;
+    m_results->setSelectState(*leaf, true, true);
+    refreshSelection();
+}
+
+void SameFileDeleteViewController::setAllSelectOrNoSelect() {
+    SimpleTreeNode* tree = treeData();
+    if (!m_isCanClick || !m_results || !tree || tree->children().isEmpty()) return;
+    m_results->setAllSelectOrNoSelect(*tree, selectAllImage() != "checkbox_yes");
+    refreshSelection();
+}
+
+void SameFileDeleteViewController::refreshSelection() {
+    m_model->selectionChanged();
+    updateTitle();
+    updateSelectAllButton();
+    updateRemoveButton();
+}
+
+// Unticked when nothing is ticked, ticked when every group of the tab keeps
+// at most one copy, and partly ticked in between.
+QString SameFileDeleteViewController::selectAllImage() const {
+    const SimpleTreeNode* tree = treeData();
+    bool anySelected = false;
+    bool allSelected = tree && !tree->children().isEmpty();
+    if (tree) {
+        for (const SimpleTreeNode::Pointer& group : tree->children()) {
+            const qsizetype selected = selectedLeaves(*group);
+            anySelected = anySelected || selected > 0;
+            allSelected = allSelected && selected >= group->children().size() - 1;
+        }
+    }
+    if (!anySelected) return "checkbox_no";
+    return allSelected ? "checkbox_yes" : "checkbox_election";
+}
+
+void SameFileDeleteViewController::updateSelectAllButton() { m_selectAllButton->setImageName(selectAllImage()); }
+
+void SameFileDeleteViewController::updateRemoveButton() {
+    m_removeButton->setEnabled(m_isCanClick && m_results && !m_results->allSelectNumArr().isEmpty());
+}
+
+void SameFileDeleteViewController::updateTitle() {
+    const QString shown = QString("%1 files in %2").arg(leafCount(treeData())).arg(m_tabBar->label(m_remberWitchSelect));
+    const qsizetype selected = m_results ? m_results->allSelectNumArr().size() : 0;
+    const QString chosen = QString("selected %1 %2 in All").arg(selected).arg(selected == 1 ? "file" : "files");
+    m_titleLabel->setText(shown + ", " + chosen + ".");
+    m_titleLabel->setToolTip(shown);
+}
+
+void SameFileDeleteViewController::outlineViewDidClickTableColumn(int column) {
+    if (!m_isCanClick || !treeData()) return;
+    m_sortDescending = column == m_sortColumn && !m_sortDescending;
+    m_sortColumn = column;
+    m_model->sortGroups(column, m_sortDescending);
+    QHeaderView* header = m_outlineView->header();
+    header->setSortIndicator(column, m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    header->setSortIndicatorShown(true);
+}
+
+// ---- Context menu ----------------------------------------------------------
+
+QString SameFileDeleteViewController::pathOfRow(const QModelIndex& index) const {
+    const SimpleTreeNode* node = m_model->nodeForIndex(index);
+    if (!node) return {};
+    if (node->isLeaf()) return node->data().name;
+    // A group row stands for its copies: the first one is opened or shown.
+    return node->children().isEmpty() ? QString() : node->children().first()->data().name;
+}
+
+void SameFileDeleteViewController::outlineRightMouseDown(const QPoint& viewportPosition) {
+    const QModelIndex index = m_outlineView->indexAt(viewportPosition);
+    if (!m_isCanClick || !index.isValid()) return;
+    m_outlineView->setCurrentIndex(index);
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const QPersistentModelIndex row(index);
+    menu->addAction("Open", this, [this, row] { openFile(row); });
+    menu->addAction("Reveal in Folder", this, [this, row] { revealInFolder(row); });
+    menu->popup(m_outlineView->viewport()->mapToGlobal(viewportPosition));
+}
+
+void SameFileDeleteViewController::openFile(const QModelIndex& index) {
+    const QString path = pathOfRow(index);
+    if (!path.isEmpty()) QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+void SameFileDeleteViewController::revealInFolder(const QModelIndex& index) {
+    const QString path = pathOfRow(index);
+    if (path.isEmpty()) return;
+#ifdef Q_OS_MACOS
+    QProcess::startDetached("/usr/bin/open", {"-R", path});
+#else
+    // File managers differ in how they select an item: the folder is opened.
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
+#endif
+}
+
+// ---- Removal ---------------------------------------------------------------
+
+void SameFileDeleteViewController::removeBtnClicked() {
+    if (!m_isCanClick || !m_results || m_results->allSelectNumArr().isEmpty()) return;
+    quint64 totalSize = 0;
+    for (const SimpleTreeNode::Pointer& leaf : m_results->allSelectNumArr()) totalSize += leaf->data().fileSize;
+    m_markSurePanel = new MarkSureDeleteVC(int(m_results->allSelectNumArr().size()), totalSize, this);
+    connect(m_markSurePanel, &MarkSureDeleteVC::delDuplicateItems, this,
+            &SameFileDeleteViewController::delDuplicateItems);
+    m_markSurePanel->open();
+}
+
+void SameFileDeleteViewController::delDuplicateItems() {
+    if (!m_results || m_results->allSelectNumArr().isEmpty() || m_worker) return;
+    m_bStopDelTask = false;
+    m_isClickStopRemove = false;
+    m_delNodesArr.clear();
+    m_removalLeaves = m_results->allSelectNumArr();
+    QStringList paths;
+    for (const SimpleTreeNode::Pointer& leaf : std::as_const(m_removalLeaves)) paths.append(leaf->data().name);
+    setBusy(true);
+
+    m_progressPanel = new DuplicationDetProgressViewController(this);
+    connect(m_progressPanel, &DuplicationDetProgressViewController::stopRemoveBtnClicked, this,
+            &SameFileDeleteViewController::stopRemoveBtnClicked);
+    m_progressPanel->open();
+    m_worker = ThreadWorker::workOn(
+        this, [this](const QVariant& object, ThreadWorker* worker) { return deleteDupFiles(object.toStringList(), worker); },
+        paths, [this](const QVariant&) { deleteFinished(); });
+}
+
+QVariant SameFileDeleteViewController::deleteDupFiles(const QStringList& paths, ThreadWorker* worker) {
+    KxAuthorization* authorization = KxAuthorization::shareKxAuthorization();
+    for (int index = 0; index < paths.size() && !m_bStopDelTask; ++index) {
+        const QString& path = paths[index];
+        if (!authorization->synFastRemovePath(path)) continue;  // stays listed and selected
+        const int progress = int((index + 1) * qint64(100) / paths.size());
+        worker->performOnTargetThread([this, progress, path] { setRemoveProgress(progress, path); });
+        // The outline drops the copy before the next one is removed.
+        if (!worker->performOnTargetThreadAndWait([this, index] { refreshOutlineView(index); })) break;
+    }
+    return {};
+}
+
+void SameFileDeleteViewController::setRemoveProgress(int progress, const QString& path) {
+    if (m_progressPanel) m_progressPanel->setRemoveProgress(progress, path);
+}
+
+void SameFileDeleteViewController::refreshOutlineView(int index) {
+    const SimpleTreeNode::Pointer leaf = m_removalLeaves.value(index);
+    if (!leaf || !m_results) return;
+    m_delNodesArr.append(leaf);
+    m_model->applyTreeChange([this, &leaf] { m_results->refreshOutlineView(*leaf); });
+}
+
+void SameFileDeleteViewController::stopRemoveBtnClicked() {
+    m_isClickStopRemove = true;
+    m_bStopDelTask = true;
+}
+
+void SameFileDeleteViewController::deleteFinished() {
+    m_worker = nullptr;
+    if (m_progressPanel) m_progressPanel->close();
+    const qsizetype total = m_removalLeaves.size();
+    const qsizetype removed = m_delNodesArr.size();
+    const qsizetype left = m_results->forgetRemoved(m_delNodesArr);
+    if (m_isClickStopRemove) {
+        m_results->setAllSelectOrNoSelect(*m_results->allTreeNode(), false);
+        showFailView("Removal stopped", QString("%1 of %2 selected copies were removed before the removal was stopped.")
+                                            .arg(removed)
+                                            .arg(total));
+    } else if (left > 0) {
+        const QString stay = left == 1 ? "%1 of %2 selected copies is still on the disk; it stays selected."
+                                       : "%1 of %2 selected copies are still on the disk; they stay selected.";
+        showFailView("Some files that require admin access can't be removed!", stay.arg(left).arg(total));
+    } else {
+        quint64 freed = 0;
+        for (const SimpleTreeNode::Pointer& leaf : std::as_const(m_delNodesArr)) freed += leaf->data().fileSize;
+        m_successPanel = new DuplicationDetSuccessViewController(int(removed), freed, this);
+        m_successPanel->open();
+    }
+    m_removalLeaves.clear();
+    setBusy(false);
+    m_noGroupsLabel->setVisible(m_model->rowCount() == 0);
+    refreshSelection();
+}
+
+void SameFileDeleteViewController::showFailView(const QString& title, const QString& message) {
+    m_failPanel = new DuplicationDetFailViewController(title, message, this);
+    m_failPanel->open();
+}
+
+// ---- Shared ----------------------------------------------------------------
+
+// Searching and removing lock the sidebar, the buttons and the outline.
+void SameFileDeleteViewController::setBusy(bool busy) {
+    m_isCanClick = !busy;
+    if (m_superDelegate) m_superDelegate->canChangeType(!busy);
+    m_chooseButton->setEnabled(!busy);
+    m_searchAgainButton->setEnabled(!busy);
+    m_emptyView->chooseButton()->setEnabled(!busy);
+    m_emptyView->searchButton()->setEnabled(!busy);
+    m_startView->chooseButton()->setEnabled(!busy);
+    m_tabBar->setEnabled(!busy);
+    m_selectAllButton->setEnabled(!busy);
+    updateRemoveButton();
+}
+
+}  // namespace velmora

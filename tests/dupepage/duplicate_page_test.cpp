@@ -1,0 +1,468 @@
+#include "Screenshot.h"
+#include "TempDataDir.h"
+#include "engine/duplicate/DuplicateResults.h"
+#include "gui/app/MainWindowController.h"
+#include "gui/duplicate/ChoosePathPanel.h"
+#include "gui/duplicate/DeleteAllCopiesSheet.h"
+#include "gui/duplicate/DuplicateEmptyView.h"
+#include "gui/duplicate/DuplicateOutlineModel.h"
+#include "gui/duplicate/DuplicateOutlineView.h"
+#include "gui/duplicate/DuplicateSearchingView.h"
+#include "gui/duplicate/DuplicateStartView.h"
+#include "gui/duplicate/DuplicateTabBar.h"
+#include "gui/duplicate/DuplicationDetFailViewController.h"
+#include "gui/duplicate/DuplicationDetProgressViewController.h"
+#include "gui/duplicate/DuplicationDetSuccessViewController.h"
+#include "gui/duplicate/MarkSureDeleteVC.h"
+#include "gui/duplicate/SameFileDeleteViewController.h"
+#include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/SidebarButton.h"
+#include "gui/widgets/Style.h"
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QPainter>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+using namespace velmora;
+
+namespace {
+
+constexpr int kSearchTimeoutMs = 60000;
+
+// Content that differs from every other seed from its first byte on.
+QByteArray contentFor(int seed, int size) {
+    QByteArray bytes(size, Qt::Uninitialized);
+    quint32 state = 2166136261u ^ quint32(seed);
+    for (char& byte : bytes) {
+        state = state * 1664525u + 1013904223u;
+        byte = char(state >> 24);
+    }
+    return bytes;
+}
+
+void writeFile(const QString& path, const QByteArray& content) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(path));
+    QCOMPARE(file.write(content), content.size());
+}
+
+// The immutable flag, which keeps even root from removing a file. Cleared
+// again by the destructor so that the temporary folder can go.
+class ImmutableFile {
+public:
+    explicit ImmutableFile(const QString& path) : m_path(path) { m_set = setFlag(true); }
+    ~ImmutableFile() {
+        if (m_set) setFlag(false);
+    }
+    bool isSet() const { return m_set; }
+
+private:
+    bool setFlag(bool on) {
+        const int fd = open(QFile::encodeName(m_path).constData(), O_RDONLY | O_NONBLOCK);
+        if (fd < 0) return false;
+        int flags = 0;
+        bool done = ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+        flags = on ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+        done = done && ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+        close(fd);
+        return done;
+    }
+    QString m_path;
+    bool m_set = false;
+};
+
+bool sidebarLocked(const MainWindowController& window) {
+    for (SidebarButton* button : window.allTypeButArr())
+        if (button->isEnabled()) return false;
+    return true;
+}
+
+// Lets the layouts requested by the last change run, as they would before
+// the next paint, then saves the picture.
+void screenshot(QWidget* window, const QString& name) {
+    QCoreApplication::processEvents();
+    QVERIFY(saveScreenshot(window, name));
+}
+
+// Drags the data over the widget and drops it there: a drop reaches only
+// the widget that accepted the drag. Answers whether the drag was accepted.
+bool dragAndDrop(QWidget* target, const QMimeData* data) {
+    const QPointF where(target->width() / 2.0, 20);
+    QDragEnterEvent enter(where.toPoint(), Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    if (!enter.isAccepted()) return false;
+    QDropEvent drop(where, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &drop);
+    return true;
+}
+
+// The window with a modal panel over it, as the user sees it: the panel is a
+// window of its own, which a grab of the main window misses.
+void savePanelScreenshot(QWidget* window, QWidget* panel, const QString& name) {
+    QPixmap picture = window->grab();
+    QPainter painter(&picture);
+    painter.fillRect(picture.rect(), QColor(0, 0, 0, 110));
+    const QPixmap front = panel->grab();
+    const QSize size = front.size() / front.devicePixelRatio();
+    painter.drawPixmap(QRect(QPoint((window->width() - size.width()) / 2, (window->height() - size.height()) / 2), size),
+                       front);
+    painter.end();
+    const QString dir = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR", QDir::tempPath() + "/velmora-screenshots");
+    QDir().mkpath(dir);
+    QVERIFY(picture.save(dir + "/" + name + ".png"));
+}
+
+}  // namespace
+
+class DuplicatePageTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        QFont font = QApplication::font();
+        font.setPointSize(12);
+        QApplication::setFont(font);
+        Style::apply(*qApp);
+    }
+
+    void init() {
+        m_scratch = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_scratch->isValid());
+        m_window = std::make_unique<MainWindowController>();
+        m_window->show();
+        m_window->mouseClickAction(7);
+        m_page = qobject_cast<SameFileDeleteViewController*>(m_window->allBaseViewArr().at(5));
+        QVERIFY(m_page);
+        QTRY_COMPARE_WITH_TIMEOUT(m_page->pos(), QPoint(0, 0), 3000);
+    }
+
+    void cleanup() {
+        m_window.reset();
+        m_scratch.reset();
+    }
+
+    // Six groups: a document in three copies, two copies each of a song, a
+    // clip, a picture, a zip and a .tar.gz (which is not an archive: only a
+    // last suffix counts); a lone file and a file of a copy's size but other
+    // content are in no group.
+    void searchSortsGroupsIntoTabs() {
+        const QString root = makeTree();
+        screenshot(m_window.get(), "duplicate_start");
+        QCOMPARE(m_page->views()->currentIndex(), 0);
+
+        m_page->searchPathChosen(root + "/");
+        QCOMPARE(m_page->searchPath(), root);
+        QVERIFY(sidebarLocked(*m_window));
+        QVERIFY(!m_page->isCanClick());
+        QCOMPARE(m_page->views()->currentWidget(), m_page->searchingView());
+        // Taken at once: the search may end with the next turn of the event loop.
+        QVERIFY(saveScreenshot(m_window.get(), "duplicate_searching"));
+        waitForSearch();
+        QVERIFY(!sidebarLocked(*m_window));
+        QCOMPARE(m_page->views()->currentWidget(), m_page->resultView());
+        screenshot(m_window.get(), "duplicate_results");
+
+        const QStringList labels = {"tree", "Documents", "Videos", "Music", "Archives", "Pictures", "Others"};
+        const QList<int> groups = {6, 1, 1, 1, 1, 1, 1};
+        const QList<int> files = {13, 3, 2, 2, 2, 2, 2};
+        const QStringList names = {"", "report.pdf", "clip.mp4", "song.mp3", "data.zip", "photo.JPG", "backup.tar.gz"};
+        QCOMPARE(m_page->tabBar()->count(), DuplicateTabBar::kTabCount);
+        for (int tab = 0; tab < DuplicateTabBar::kTabCount; ++tab) {
+            m_page->segmentSelect(tab);
+            QCOMPARE(m_page->remberWitchSelect(), tab);
+            QCOMPARE(m_page->tabBar()->tabText(tab), labels[tab]);
+            QCOMPARE(m_page->outlineModel()->rowCount(), groups[tab]);
+            const QString shown = QString("%1 files in %2").arg(files[tab]).arg(labels[tab]);
+            QCOMPARE(m_page->titleLabel()->text(), shown + ", selected 7 files in All.");
+            QCOMPARE(m_page->titleLabel()->toolTip(), shown);
+            if (tab > 0) QCOMPARE(m_page->treeData()->children().first()->data().name, names[tab]);
+            // The first group is open.
+            QVERIFY(m_page->outlineView()->isExpanded(m_page->outlineModel()->index(0, 0)));
+        }
+        // Tab 2 shows videos and tab 3 music, the categories' numbers crossed.
+        QCOMPARE(m_page->results()->treeForTab(2), m_page->results()->categoryTree(DuplicateResults::Videos));
+        QCOMPARE(m_page->results()->treeForTab(3), m_page->results()->categoryTree(DuplicateResults::Music));
+        m_page->segmentSelect(0);
+    }
+
+    void selectAllKeepsTheLastCopyOfEachGroup() {
+        searchAndWait(makeTree());
+        SimpleTreeNode* all = m_page->treeData();
+        auto checkKeepsLast = [](const SimpleTreeNode& group) {
+            const QList<SimpleTreeNode::Pointer>& leaves = group.children();
+            for (qsizetype i = 0; i < leaves.size(); ++i)
+                QCOMPARE(leaves[i]->data().selectNum, i + 1 < leaves.size() ? 1 : 0);
+            QCOMPARE(group.data().selectNum, int(SimpleNodeData::PartlySelected));
+            QCOMPARE(group.data().showSelectNumStr, QString("%1/%2").arg(leaves.size() - 1).arg(leaves.size()));
+        };
+        // After the search every group is ticked so.
+        for (const SimpleTreeNode::Pointer& group : all->children()) checkKeepsLast(*group);
+        QCOMPARE(m_page->selectAllButton()->imageName(), QString("checkbox_yes"));
+
+        QTest::mouseClick(m_page->selectAllButton(), Qt::LeftButton);
+        QVERIFY(m_page->results()->allSelectNumArr().isEmpty());
+        QCOMPARE(m_page->selectAllButton()->imageName(), QString("checkbox_no"));
+        QVERIFY(!m_page->removeButton()->isEnabled());
+        QVERIFY(m_page->titleLabel()->text().endsWith(", selected 0 files in All."));
+        const QModelIndex firstGroup = m_page->outlineModel()->index(0, 0);
+        QCOMPARE(firstGroup.data(DuplicateOutlineModel::CheckImageRole).toString(), QString("checkbox_no"));
+
+        QTest::mouseClick(m_page->selectAllButton(), Qt::LeftButton);
+        for (const SimpleTreeNode::Pointer& group : all->children()) checkKeepsLast(*group);
+        QCOMPARE(firstGroup.data(DuplicateOutlineModel::CheckImageRole).toString(), QString("checkbox_election"));
+        QCOMPARE(firstGroup.siblingAtColumn(DuplicateOutlineModel::Selected).data().toString(),
+                 all->children().first()->data().showSelectNumStr);
+
+        // Select-all of a tab reaches only that tab's groups.
+        m_page->segmentSelect(1);
+        QTest::mouseClick(m_page->selectAllButton(), Qt::LeftButton);
+        QCOMPARE(m_page->titleLabel()->text(), QString("3 files in Documents, selected 5 files in All."));
+        m_page->segmentSelect(0);
+        QCOMPARE(m_page->selectAllButton()->imageName(), QString("checkbox_election"));
+    }
+
+    void tickingTheLastCopyAsksFirst() {
+        searchAndWait(makeTree());
+        m_page->segmentSelect(1);
+        DuplicateOutlineModel* model = m_page->outlineModel();
+        const QModelIndex group = model->index(0, 0);
+        const QModelIndex last = model->index(2, 0, group);
+        const QModelIndex first = model->index(0, 0, group);
+        SimpleTreeNode* lastCopy = model->nodeForIndex(last);
+        DuplicateOutlineView* view = m_page->outlineView();
+
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->checkBoxRect(last).center());
+        QVERIFY(m_page->deleteAllCopiesSheet());
+        QTRY_VERIFY(m_page->deleteAllCopiesSheet()->isVisible());
+        QCOMPARE(lastCopy->data().selectNum, 0);
+        savePanelScreenshot(m_window.get(), m_page->deleteAllCopiesSheet(), "duplicate_last_copy_sheet");
+        QTest::mouseClick(m_page->deleteAllCopiesSheet()->cancelButton(), Qt::LeftButton);
+        QCOMPARE(lastCopy->data().selectNum, 0);
+        QCOMPARE(group.siblingAtColumn(DuplicateOutlineModel::Selected).data().toString(), QString("2/3"));
+
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->checkBoxRect(last).center());
+        QTest::mouseClick(m_page->deleteAllCopiesSheet()->okButton(), Qt::LeftButton);
+        QCOMPARE(lastCopy->data().selectNum, 1);
+        QCOMPARE(group.siblingAtColumn(DuplicateOutlineModel::Selected).data().toString(), QString("3/3"));
+        QCOMPARE(group.data(DuplicateOutlineModel::CheckImageRole).toString(), QString("checkbox_yes"));
+        QVERIFY(m_page->titleLabel()->text().endsWith("selected 8 files in All."));
+
+        // Unticking never asks; the group's own checkbox clears the group,
+        // and ticks all copies but the last when none is ticked.
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->checkBoxRect(first).center());
+        QTRY_VERIFY(!m_page->deleteAllCopiesSheet());
+        QCOMPARE(model->nodeForIndex(first)->data().selectNum, 0);
+        QCOMPARE(group.siblingAtColumn(DuplicateOutlineModel::Selected).data().toString(), QString("2/3"));
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->checkBoxRect(group).center());
+        QCOMPARE(group.siblingAtColumn(DuplicateOutlineModel::Selected).data().toString(), QString("0/3"));
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->checkBoxRect(group).center());
+        QCOMPARE(group.siblingAtColumn(DuplicateOutlineModel::Selected).data().toString(), QString("2/3"));
+        QCOMPARE(lastCopy->data().selectNum, 0);
+    }
+
+    // The document group keeps two copies (only one was ticked): it stays,
+    // labelled 0/2. Every other group loses its ticked copy and, a single
+    // copy being no duplicate, leaves the outline and its category.
+    void removalDeletesTickedCopiesAndRefreshesTheOutline() {
+        searchAndWait(makeTree());
+        SimpleTreeNode::Pointer documents = m_page->results()->categoryTree(DuplicateResults::Documents)->children().first();
+        m_page->setSelectState(m_page->outlineModel()->indexForNode(documents->children().first().get()));
+        QStringList removed;
+        QStringList kept;
+        for (const SimpleTreeNode::Pointer& group : m_page->treeData()->children()) {
+            for (const SimpleTreeNode::Pointer& leaf : group->children())
+                (leaf->data().selectNum == 1 ? removed : kept).append(leaf->data().name);
+        }
+        QCOMPARE(removed.size(), 6);
+
+        m_page->removeBtnClicked();
+        QVERIFY(m_page->markSurePanel());
+        QTRY_VERIFY(m_page->markSurePanel()->isVisible());
+        savePanelScreenshot(m_window.get(), m_page->markSurePanel(), "duplicate_confirm_removal");
+        QTest::mouseClick(m_page->markSurePanel()->continueButton(), Qt::LeftButton);
+        QVERIFY(m_page->progressPanel());
+        QVERIFY(sidebarLocked(*m_window));
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->successPanel(), kSearchTimeoutMs);
+        QTRY_VERIFY(m_page->successPanel()->isVisible());
+        QVERIFY(!m_page->progressPanel());
+        QVERIFY(!sidebarLocked(*m_window));
+        savePanelScreenshot(m_window.get(), m_page->successPanel(), "duplicate_removal_success");
+
+        for (const QString& path : removed) QVERIFY2(!QFileInfo::exists(path), qPrintable(path));
+        for (const QString& path : kept) QVERIFY2(QFileInfo::exists(path), qPrintable(path));
+        QCOMPARE(m_page->delNodesArr().size(), removed.size());
+        QCOMPARE(m_page->successPanel()->messageText(), QString("6 duplicate files removed, 24.10 KB freed."));
+
+        SimpleTreeNode* all = m_page->treeData();
+        QCOMPARE(all->children().size(), 1);
+        QCOMPARE(all->children().first(), documents);
+        QCOMPARE(documents->children().size(), 2);
+        QCOMPARE(documents->data().showSelectNumStr, QString("0/2"));
+        QCOMPARE(m_page->outlineModel()->rowCount(), 1);
+        QCOMPARE(m_page->outlineModel()->rowCount(m_page->outlineModel()->index(0, 0)), 2);
+        for (int tab = 2; tab < DuplicateTabBar::kTabCount; ++tab)
+            QVERIFY(m_page->results()->treeForTab(tab)->children().isEmpty());
+        QVERIFY(m_page->results()->allSelectNumArr().isEmpty());
+        QCOMPARE(m_page->titleLabel()->text(), QString("2 files in tree, selected 0 files in All."));
+        QTest::mouseClick(m_page->successPanel()->okButton(), Qt::LeftButton);
+        QTRY_VERIFY(!m_page->successPanel());
+        screenshot(m_window.get(), "duplicate_after_removal");
+    }
+
+    void copyThatCannotGoStaysSelected() {
+        if (geteuid() != 0) QSKIP("SKIPPED: making a file immune to removal needs root (the immutable flag)");
+        searchAndWait(makeTree());
+        SimpleTreeNode::Pointer music = m_page->results()->categoryTree(DuplicateResults::Music)->children().first();
+        const SimpleTreeNode::Pointer locked = music->children().first();
+        QCOMPARE(locked->data().selectNum, 1);
+        ImmutableFile immutable(locked->data().name);
+        if (!immutable.isSet()) QSKIP("SKIPPED: the file system does not take the immutable flag");
+
+        m_page->delDuplicateItems();
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->failPanel(), kSearchTimeoutMs);
+        QCOMPARE(m_page->failPanel()->titleText(), QString("Some files that require admin access can't be removed!"));
+        QVERIFY(!m_page->successPanel());
+        savePanelScreenshot(m_window.get(), m_page->failPanel(), "duplicate_removal_failed");
+        QVERIFY(QFileInfo::exists(locked->data().name));
+        QCOMPARE(m_page->results()->allSelectNumArr(), QList<SimpleTreeNode::Pointer>({locked}));
+        QCOMPARE(m_page->treeData()->children(), QList<SimpleTreeNode::Pointer>({music}));
+        QCOMPARE(music->children().size(), 2);
+        QVERIFY(m_page->removeButton()->isEnabled());
+    }
+
+    void folderComesFromADropOrThePanel() {
+        const QString lonely = m_scratch->path() + "/lonely";
+        writeFile(lonely + "/one.txt", contentFor(1, 900));
+        writeFile(lonely + "/two.txt", contentFor(2, 900));
+
+        // A dropped file is no folder to search; a dropped folder is searched.
+        QMimeData file;
+        file.setUrls({QUrl::fromLocalFile(lonely + "/one.txt")});
+        QVERIFY(!dragAndDrop(m_page->startView(), &file));
+        QVERIFY(!m_page->startView()->isHighlighted());
+        QVERIFY(m_page->searchPath().isEmpty());
+        QMimeData folder;
+        folder.setUrls({QUrl::fromLocalFile(lonely + "/one.txt"), QUrl::fromLocalFile(lonely)});
+        QVERIFY(dragAndDrop(m_page->startView(), &folder));
+        QCOMPARE(m_page->searchPath(), lonely);
+        waitForSearch();
+        QCOMPARE(m_page->views()->currentWidget(), m_page->emptyView());
+        QVERIFY(m_page->emptyView()->messageText().contains("lonely"));
+        screenshot(m_window.get(), "duplicate_empty");
+
+        const QString tree = makeTree();
+        QTest::mouseClick(m_page->emptyView()->chooseButton(), Qt::LeftButton);
+        auto* panel = m_page->findChild<ChoosePathPanel*>();
+        QVERIFY(panel);
+        QCOMPARE(panel->windowTitle(), QString("Choose a path to search"));
+        QCOMPARE(panel->labelText(QFileDialog::Accept), QString("Choose"));
+        QCOMPARE(panel->fileMode(), QFileDialog::Directory);
+        panel->setDirectory(m_scratch->path());
+        panel->selectFile(tree);
+        static_cast<QDialog*>(panel)->accept();
+        QCOMPARE(m_page->searchPath(), QFileInfo(tree).canonicalFilePath());
+        waitForSearch();
+        QCOMPARE(m_page->treeData()->children().size(), 6);
+    }
+
+    // Stopped at once, the search ends with the groups found so far (none
+    // or few of the 400) and the page is usable again.
+    void stopEndsTheSearch() {
+        const QString root = m_scratch->path() + "/many";
+        for (int pair = 0; pair < 400; ++pair) {
+            const QByteArray content = contentFor(1000 + pair, 3000 + pair);
+            writeFile(QString("%1/a%2/f%3.dat").arg(root).arg(pair % 40).arg(pair), content);
+            writeFile(QString("%1/b%2/g%3.dat").arg(root).arg(pair % 40).arg(pair), content);
+        }
+        m_page->searchPathChosen(root);
+        m_page->stopScanBtnClicked();
+        QVERIFY(!m_page->searchingView()->stopButton()->isEnabled());
+        waitForSearch();
+        QVERIFY(!sidebarLocked(*m_window));
+        QVERIFY(m_page->isCanClick());
+        const qsizetype found = m_page->results() ? m_page->results()->allTreeNode()->children().size() : 0;
+        QVERIFY2(found < 400, qPrintable(QString("found %1 groups").arg(found)));
+
+        // Searched again without a stop, the same folder gives every pair.
+        m_page->searchBtnClicked();
+        waitForSearch();
+        QCOMPARE(m_page->results()->allTreeNode()->children().size(), 400);
+    }
+
+    // Closing the window while a worker runs stops and waits for it.
+    void closingDuringWorkStopsTheWorker() {
+        const QString root = m_scratch->path() + "/pairs";
+        for (int pair = 0; pair < 150; ++pair) {
+            const QByteArray content = contentFor(5000 + pair, 1500 + pair);
+            writeFile(QString("%1/a/f%2.bin").arg(root).arg(pair), content);
+            writeFile(QString("%1/b/f%2.bin").arg(root).arg(pair), content);
+        }
+        searchAndWait(root);
+        m_page->delDuplicateItems();
+        QVERIFY(m_page->progressPanel());
+        savePanelScreenshot(m_window.get(), m_page->progressPanel(), "duplicate_removal_progress");
+        m_window.reset();
+        qsizetype left = 0;
+        for (const char* folder : {"a", "b"}) left += QDir(root + "/" + folder).entryList(QDir::Files).size();
+        QVERIFY(left >= 150);  // one copy of every pair at least
+
+        m_window = std::make_unique<MainWindowController>();
+        m_page = qobject_cast<SameFileDeleteViewController*>(m_window->allBaseViewArr().at(5));
+        m_page->searchPathChosen(root);
+        QVERIFY(!m_page->bSearchFinished());
+        m_window.reset();
+    }
+
+private:
+    QString makeTree() {
+        const QString root = m_scratch->path() + "/tree";
+        const QByteArray document = contentFor(1, 3000);
+        writeFile(root + "/docs/report.pdf", document);
+        writeFile(root + "/backup/report.pdf", document);
+        writeFile(root + "/old/report.pdf", document);
+        writeFile(root + "/music/song.mp3", contentFor(2, 5000));
+        writeFile(root + "/backup/song.mp3", contentFor(2, 5000));
+        writeFile(root + "/video/clip.mp4", contentFor(3, 7000));
+        writeFile(root + "/backup/clip.mp4", contentFor(3, 7000));
+        writeFile(root + "/pictures/photo.JPG", contentFor(4, 4000));
+        writeFile(root + "/backup/photo.JPG", contentFor(4, 4000));
+        writeFile(root + "/archives/data.zip", contentFor(5, 2500));
+        writeFile(root + "/backup/data.zip", contentFor(5, 2500));
+        writeFile(root + "/archives/backup.tar.gz", contentFor(6, 2600));
+        writeFile(root + "/old/backup.tar.gz", contentFor(6, 2600));
+        writeFile(root + "/notes.txt", contentFor(7, 1200));
+        writeFile(root + "/other-report.pdf", contentFor(8, 3000));
+        return root;
+    }
+
+    void waitForSearch() {
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->bSearchFinished(), kSearchTimeoutMs);
+        QVERIFY(m_page->isCanClick());
+    }
+
+    void searchAndWait(const QString& root) {
+        m_page->searchPathChosen(root);
+        waitForSearch();
+        QCOMPARE(m_page->views()->currentWidget(), m_page->resultView());
+    }
+
+    std::unique_ptr<QTemporaryDir> m_scratch;
+    std::unique_ptr<MainWindowController> m_window;
+    SameFileDeleteViewController* m_page = nullptr;
+    TempDataDir m_data;
+};
+
+QTEST_MAIN(DuplicatePageTest)
+#include "duplicate_page_test.moc"
