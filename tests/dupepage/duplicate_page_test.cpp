@@ -21,6 +21,7 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMimeData>
 #include <QPainter>
@@ -82,6 +83,12 @@ private:
     QString m_path;
     bool m_set = false;
 };
+
+QStringList leafPaths(const SimpleTreeNode& group) {
+    QStringList paths;
+    for (const SimpleTreeNode::Pointer& leaf : group.children()) paths.append(leaf->data().name);
+    return paths;
+}
 
 bool sidebarLocked(const MainWindowController& window) {
     for (SidebarButton* button : window.allTypeButArr())
@@ -272,6 +279,37 @@ private slots:
         QCOMPARE(lastCopy->data().selectNum, 0);
     }
 
+    // Groups follow the clicked column, ascending then descending; an open
+    // group stays open wherever it moves, and its copies keep their order.
+    void headerClickSortsGroupsNotCopies() {
+        searchAndWait(makeTree());
+        DuplicateOutlineModel* model = m_page->outlineModel();
+        QHeaderView* header = m_page->outlineView()->header();
+        const SimpleTreeNode::Pointer opened = m_page->treeData()->children().first();
+        const QStringList copies = leafPaths(*opened);
+        auto groupNames = [this] {
+            QStringList names;
+            for (const SimpleTreeNode::Pointer& group : m_page->treeData()->children()) names.append(group->data().name);
+            return names;
+        };
+        const QPoint sizeHeader(header->sectionViewportPosition(DuplicateOutlineModel::Size) + 10, header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, sizeHeader);
+        const QStringList ascending = {"data.zip", "backup.tar.gz", "photo.JPG", "report.pdf", "song.mp3", "clip.mp4"};
+        QCOMPARE(groupNames(), ascending);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, sizeHeader);
+        QStringList descending = ascending;
+        std::reverse(descending.begin(), descending.end());
+        QCOMPARE(groupNames(), descending);
+        QCOMPARE(header->sortIndicatorOrder(), Qt::DescendingOrder);
+
+        const QModelIndex moved = model->indexForNode(opened.get());
+        QCOMPARE(moved.row(), int(descending.indexOf(opened->data().name)));
+        QVERIFY(m_page->outlineView()->isExpanded(moved));
+        QCOMPARE(leafPaths(*opened), copies);
+        QCOMPARE(model->rowCount(), 6);
+        QCOMPARE(model->index(0, DuplicateOutlineModel::Size).data().toString(), QString("14.00 KB"));
+    }
+
     // The document group keeps two copies (only one was ticked): it stays,
     // labelled 0/2. Every other group loses its ticked copy and, a single
     // copy being no duplicate, leaves the outline and its category.
@@ -340,6 +378,42 @@ private slots:
         QCOMPARE(m_page->treeData()->children(), QList<SimpleTreeNode::Pointer>({music}));
         QCOMPARE(music->children().size(), 2);
         QVERIFY(m_page->removeButton()->isEnabled());
+    }
+
+    // Stopped before it could finish, a removal forgets the selection; what
+    // it removed is gone from disk and outline, everything listed is on disk.
+    void stoppedRemovalForgetsTheSelection() {
+        searchAndWait(makeTree());
+        m_page->delDuplicateItems();
+        QTest::mouseClick(m_page->progressPanel()->stopButton(), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->failPanel(), kSearchTimeoutMs);
+        QCOMPARE(m_page->failPanel()->titleText(), QString("Removal stopped"));
+        QVERIFY(m_page->delNodesArr().size() < 7);
+        for (const SimpleTreeNode::Pointer& leaf : m_page->delNodesArr()) QVERIFY(!QFileInfo::exists(leaf->data().name));
+        QVERIFY(m_page->results()->allSelectNumArr().isEmpty());
+        for (const SimpleTreeNode::Pointer& group : m_page->treeData()->children()) {
+            QCOMPARE(group->data().selectNum, 0);
+            for (const SimpleTreeNode::Pointer& leaf : group->children()) {
+                QCOMPARE(leaf->data().selectNum, 0);
+                QVERIFY(QFileInfo::exists(leaf->data().name));
+            }
+        }
+        QVERIFY(!m_page->removeButton()->isEnabled());
+        QVERIFY(!sidebarLocked(*m_window));
+    }
+
+    void folderGoneBeforeTheSearchShowsTheFailureView() {
+        const QString folder = m_scratch->path() + "/gone";
+        QVERIFY(QDir().mkpath(folder));
+        m_page->searchPathChosen(folder);
+        waitForSearch();
+        QCOMPARE(m_page->views()->currentWidget(), m_page->emptyView());
+        QVERIFY(!m_page->failPanel());
+        QVERIFY(QDir(folder).removeRecursively());
+        QTest::mouseClick(m_page->emptyView()->searchButton(), Qt::LeftButton);
+        waitForSearch();
+        QVERIFY(m_page->failPanel());
+        QCOMPARE(m_page->failPanel()->titleText(), QString("The folder can't be searched"));
     }
 
     void folderComesFromADropOrThePanel() {

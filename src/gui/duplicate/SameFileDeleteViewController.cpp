@@ -161,7 +161,7 @@ QWidget* SameFileDeleteViewController::createResultView() {
     m_selectAllButton->move(DuplicateOutlineDelegate::kGroupCheckBoxX, (header->height() - m_selectAllButton->height()) / 2);
     connect(m_selectAllButton, &ImageToggle::clicked, this, &SameFileDeleteViewController::setAllSelectOrNoSelect);
 
-    m_noGroupsLabel = Style::label("No duplicates in this category", 13, true);
+    m_noGroupsLabel = Style::label("No duplicates to show here", 13, true);
     m_noGroupsLabel->setAlignment(Qt::AlignCenter);
     m_noGroupsLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
 
