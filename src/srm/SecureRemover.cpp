@@ -89,7 +89,7 @@ bool SecureRemover::remove(const std::string& path)
         printProblem(path, reason(errno));
         return false;
     }
-    const bool removed = removeEntry(folderFd, name, path);
+    const bool removed = removeEntry(folderFd, name, trimmed);
     close(folderFd);
     return removed;
 }
