@@ -3,8 +3,11 @@
 #include "cli/HistoryCommand.h"
 #include "cli/DupesCommand.h"
 #include "cli/EraseCommand.h"
+#include "cli/EraseDriveCommand.h"
 #include "cli/LevelCommand.h"
 #include "cli/Terminal.h"
+#include "cli/VolumesCommand.h"
+#include "cli/WipeFreeCommand.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PrivilegedHelper.h"
 
@@ -25,6 +28,9 @@ const Command kCommands[] = {
     {"erase", "erase [--yes] PATH...            erase files and folders beyond recovery", velmora::cli::runEraseCommand},
     {"level", "level [--json] [1|2|3|7|35]      show or set the erasure level", velmora::cli::runLevelCommand},
     {"dupes", "dupes [--hidden] [--system] [--json] [--delete [--yes]] DIR   find duplicate files and remove all but one copy", velmora::cli::runDupesCommand},
+    {"volumes", "volumes [--json]                 list the mounted volumes", velmora::cli::runVolumesCommand},
+    {"wipe-free", "wipe-free [--yes] VOLUME         overwrite the free space of a volume (name, mount point or device)", velmora::cli::runWipeFreeCommand},
+    {"erase-drive", "erase-drive [--yes] VOLUME       reformat a volume and overwrite all of it", velmora::cli::runEraseDriveCommand},
     {"history", "history [--type WipeFile|WipeVolume] [--json] | delete KEY | clear [--yes] | export KEY FILE   the erasure history", velmora::cli::runHistoryCommand},
 };
 

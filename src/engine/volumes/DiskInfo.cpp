@@ -4,10 +4,16 @@
 #include "engine/volumes/DiskUtilLine.h"
 #include "engine/volumes/ShellRunners.h"
 
+#include <QMutex>
+
 namespace velmora {
 
 QVariantMap getDisjInfo(const char* name, DiskInfoScreen screen) {
     if (!name) return {};
+    // Each screen's runner writes one fixed file: a scan in the background and a
+    // query on the user-interface thread must not read each other's output.
+    static QMutex outputFileLocks[3];
+    QMutexLocker lock(&outputFileLocks[int(screen)]);
     QString outputPath;
     switch (screen) {
     case DiskInfoScreen::WipeDisk:

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace velmora {
@@ -59,9 +60,8 @@ bool FillFileWriter::seekToEndOfFile() {
 
 bool FillFileWriter::truncateFileAtOffset() {
     if (m_fd < 0) return false;
-    // With data gathered, the file already ends where the gathered data begins.
-    if (m_gatheredSize > 0) return true;
-    return ::ftruncate(m_fd, m_offset) == 0;
+    m_cutAtEnd = true;
+    return true;
 }
 
 bool FillFileWriter::writeData(const char* data, qsizetype size) {
@@ -88,6 +88,8 @@ bool FillFileWriter::flush() {
 bool FillFileWriter::close() {
     if (m_fd < 0) return !m_failed;
     flush();
+    struct stat file;
+    if (m_cutAtEnd && ::fstat(m_fd, &file) == 0 && file.st_size > m_offset && ::ftruncate(m_fd, m_offset) != 0) m_failed = true;
     flushToDevice(m_fd);
     ::close(m_fd);
     m_fd = -1;

@@ -25,7 +25,10 @@ public:
     // Positions at the end of the file. Gathered data already lies at the end,
     // since this handle is the file's only writer.
     bool seekToEndOfFile();
-    // Cuts the file at the current position.
+    // Cuts the file at the current position. The cut is made when the handle
+    // closes, and only where the file is still longer than what was written
+    // from there: the same file in the end, without the cut-then-rewrite that a
+    // FUSE FAT driver (fusefat) answers with a failed write and a damaged table.
     bool truncateFileAtOffset();
     bool writeData(const char* data, qsizetype size);
     // Writes what is gathered, flushes it to the device and closes; false when
@@ -40,6 +43,7 @@ private:
     std::unique_ptr<char[]> m_gathered;
     qsizetype m_gatheredSize = 0;
     bool m_failed = false;
+    bool m_cutAtEnd = false;
 };
 
 }  // namespace velmora

@@ -1,0 +1,119 @@
+#include "cli/WipeFreeCommand.h"
+
+#include "cli/Terminal.h"
+#include "cli/VolumesCommand.h"
+#include "engine/erase/EraserLevel.h"
+#include "engine/volumes/FreeSpaceWipe.h"
+#include "engine/volumes/WholeDriveErase.h"
+
+#include <QEventLoop>
+#include <QLoggingCategory>
+#include <QTimer>
+#include <atomic>
+#include <csignal>
+
+namespace velmora::cli {
+namespace {
+
+constexpr const char* kUsage = "usage: velmora-cli wipe-free [--yes] VOLUME   (a volume name, mount point or device node)";
+
+std::atomic<bool> interrupted{false};
+
+void onInterrupt(int) {
+    interrupted = true;
+    std::signal(SIGINT, SIG_DFL);  // a second Ctrl-C ends the program at once
+}
+
+}  // namespace
+
+WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, WholeDriveErase* erase, const QString& title,
+                            const std::function<void()>& start) {
+    WipeOutcome outcome;
+    QEventLoop loop;
+    ProgressBar bar(title);
+    QObject::connect(&wipe, &FreeSpaceWipe::setRemoveProgress, &loop, [&bar](const QString& text, float percent) {
+        bar.update(qMax(percent, 2.0f), text);
+    });
+    QObject::connect(&wipe, &FreeSpaceWipe::eraserEnded, &loop, [&](bool succeeded, const QString& text, bool) {
+        outcome = {true, succeeded, text};
+        loop.quit();
+    });
+    const auto stop = [&](const QString& reason) {
+        outcome = {false, false, reason};
+        loop.quit();
+    };
+    QObject::connect(&wipe, &FreeSpaceWipe::runStalled, &loop, [&] {
+        stop(QString("the run stopped after pass %1 of %2 without its end step: a later pass was skipped "
+                     "(less than 256,000,000 bytes free, or the fill was cancelled), so no history entry was written")
+                 .arg(wipe.iRoundTimes())
+                 .arg(FreeSpaceWipe::getEraserTimes()));
+    });
+    if (erase) QObject::connect(erase, &WholeDriveErase::runStalled, &loop, stop);
+
+    interrupted = false;
+    std::signal(SIGINT, onInterrupt);
+    QTimer interruptPoll;
+    QObject::connect(&interruptPoll, &QTimer::timeout, &loop, [&wipe] {
+        if (interrupted.exchange(false)) {
+            printErr("\nvelmora-cli: cancelling...");
+            wipe.cancelWipeSpaceButtonAction();
+        }
+    });
+    interruptPoll.start(100);
+
+    // The engine's info lines would bury the progress bar; warnings stay
+    // (QT_LOGGING_RULES="default.info=true" brings them back).
+    QLoggingCategory::setFilterRules("default.info=false");
+    start();
+    loop.exec();
+    std::signal(SIGINT, SIG_DFL);
+    bar.finish();
+    return outcome;
+}
+
+int runWipeFreeCommand(QStringList args) {
+    const bool yes = takeFlag(args, "--yes");
+    if (args.size() != 1 || args.first().startsWith("--")) {
+        printErr(kUsage);
+        return 2;
+    }
+    QString error;
+    const std::optional<VolumeObj> volume = volumeForArgument(args.first(), &error);
+    if (!volume) {
+        printErr("velmora-cli: " + error);
+        return 2;
+    }
+
+    FreeSpaceWipe wipe;
+    wipe.selectEraserType = 1;
+    wipe.selectVolumeObj = *volume;
+    if (wipe.wipeButtonAction() == FreeSpaceWipe::WipeStart::ShowNTFSWindow) {
+        printErr(QString("velmora-cli: \"%1\" is an NTFS volume, which this system cannot write: its free space "
+                         "cannot be wiped (erase-drive erases it as FAT32 instead)").arg(volume->volumeName));
+        return 1;
+    }
+    const int passes = FreeSpaceWipe::getEraserTimes();
+    const QString question = QString("Overwrite the free space of \"%1\" (%2 free, mounted at %3) with %4, %5 %6?")
+                                 .arg(volume->volumeName, volume->volumeFreeSize, volume->volumeMountPoint,
+                                      EraserLevel::displayName(passes))
+                                 .arg(passes)
+                                 .arg(passes > 1 ? "passes" : "pass");
+    if (!yes && !confirm(question)) {
+        printErr("velmora-cli: nothing wiped");
+        return 1;
+    }
+
+    const WipeOutcome outcome = runWipeUntilEnd(wipe, nullptr, "Wiping", [&wipe] {
+        wipe.setEraserTime();
+        wipe.doFreeSpaceAction();
+    });
+    if (!outcome.ended) {
+        printErr("velmora-cli: " + outcome.text);
+        return 1;
+    }
+    printOut(QString("%1  Erase Free Space:%2").arg(outcome.succeeded ? "Erased" : "Failed", volume->volumeName));
+    if (!outcome.succeeded) printErr("velmora-cli: " + outcome.text);
+    return outcome.succeeded ? 0 : 1;
+}
+
+}  // namespace velmora::cli

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QStringList>
+#include <functional>
+
+namespace velmora {
+class FreeSpaceWipe;
+class WholeDriveErase;
+}
+
+namespace velmora::cli {
+
+// velmora-cli wipe-free [--yes] VOLUME: overwrites the free space of a volume.
+int runWipeFreeCommand(QStringList args);
+
+// How a wipe run ended.
+struct WipeOutcome {
+    bool ended = false;      // the end step ran (history written)
+    bool succeeded = false;
+    QString text;            // end text, or why the run stopped without its end step
+};
+
+// Runs a wipe in an event loop with a progress bar until its end step, or until
+// the wipe (or the whole-drive erase, when given) stops without one; `start`
+// begins the run. Ctrl-C cancels the run the way the Cancel button does.
+WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, WholeDriveErase* erase, const QString& title,
+                            const std::function<void()>& start);
+
+}  // namespace velmora::cli
