@@ -3,6 +3,7 @@
 #include "engine/platform/NotificationCenter.h"
 #include "gui/app/PlaceholderPage.h"
 #include "gui/duplicate/SameFileDeleteViewController.h"
+#include "gui/erase/FileEraserViewController.h"
 #include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
 
@@ -90,7 +91,9 @@ void MainWindowController::addPages() {
                                        {"Internet Cleaner"},
                                        {"Duplicate Finder"}};
     for (const QStringList& pageTitles : titles) {
-        QWidget* page = m_allBaseViewArr.size() == 5
+        QWidget* page = m_allBaseViewArr.isEmpty()
+                            ? static_cast<QWidget*>(new FileEraserViewController(this, m_pageArea))
+                        : m_allBaseViewArr.size() == 5
                             ? static_cast<QWidget*>(new SameFileDeleteViewController(this, m_pageArea))
                             : new PlaceholderPage(pageTitles, m_pageArea);
         page->setGeometry(0, 0, kPageWidth, kPageHeight);

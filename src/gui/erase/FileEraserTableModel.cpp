@@ -1,0 +1,93 @@
+#include "gui/erase/FileEraserTableModel.h"
+
+#include "gui/erase/SizeText.h"
+#include "gui/widgets/Style.h"
+
+#include <QFileIconProvider>
+#include <QFileInfo>
+#include <QMimeDatabase>
+
+namespace velmora {
+
+FileEraserTableModel::FileEraserTableModel(QObject* parent) : QAbstractTableModel(parent) {}
+
+QString FileEraserTableModel::identifier(int column) {
+    static const char* const kIdentifiers[] = {"CheckBox", "name", "path", "size", "type", "search"};
+    return (column >= 0 && column < ColumnCount) ? kIdentifiers[column] : QString();
+}
+
+int FileEraserTableModel::columnWidth(int column) {
+    static constexpr int kWidths[] = {34, 170, 287, 100, 100, 40};
+    return (column >= 0 && column < ColumnCount) ? kWidths[column] : 0;
+}
+
+void FileEraserTableModel::reloadData(const FileObjList& records) {
+    beginResetModel();
+    m_records = records;
+    endResetModel();
+}
+
+int FileEraserTableModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_records.size());
+}
+
+int FileEraserTableModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : ColumnCount; }
+
+QIcon FileEraserTableModel::iconFor(const FileObj& record) const {
+    const QFileInfo item(record.url);
+    if (record.isDir) {
+        // An application bundle shows its own icon where the platform has one.
+        if (item.suffix() == "app") {
+            const QIcon bundle = QFileIconProvider().icon(item);
+            if (!bundle.isNull()) return bundle;
+        }
+        return QIcon(Style::imagePath("ic_folder"));
+    }
+    const QString extension = item.suffix().toLower();
+    auto cached = m_iconsByExtension.constFind(extension);
+    if (cached != m_iconsByExtension.constEnd()) return *cached;
+    const QMimeType type = QMimeDatabase().mimeTypeForFile(item, QMimeDatabase::MatchExtension);
+    const QIcon icon = QIcon::fromTheme(type.iconName(), QIcon(Style::imagePath("ic_file")));
+    m_iconsByExtension.insert(extension, icon);
+    return icon;
+}
+
+QVariant FileEraserTableModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= m_records.size()) return {};
+    const FileObj& record = m_records.at(index.row());
+    const int column = index.column();
+    switch (role) {
+    case Qt::DisplayRole:
+        switch (column) {
+        case Name: return record.name;
+        case Path: return record.url;
+        case Size: return record.isDir ? QString("--") : byteToSizeWithByte(record.size);
+        case Type: return record.type;
+        default: return {};
+        }
+    case Qt::DecorationRole:
+        return column == Name ? QVariant(iconFor(record)) : QVariant();
+    case ImageRole:
+        if (column == CheckBox) return record.isSelect ? "checkbox_yes" : "checkbox_no";
+        if (column == Search) return "ic_search";
+        return {};
+    case Qt::ForegroundRole:
+        return column == Name ? Style::kText : Style::kSecondaryText;
+    case Qt::FontRole:
+        return Style::regularFont(13);
+    case Qt::ToolTipRole:
+        return record.url;
+    default:
+        return {};
+    }
+}
+
+QVariant FileEraserTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal) return {};
+    static const char* const kCaptions[] = {"", "Name", "Path", "Size", "Type", ""};
+    if (role == Qt::DisplayRole && section >= 0 && section < ColumnCount) return QString(kCaptions[section]);
+    if (role == Qt::ForegroundRole) return Style::kSecondaryText;
+    return {};
+}
+
+}  // namespace velmora

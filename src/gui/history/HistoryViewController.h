@@ -1,0 +1,72 @@
+#pragma once
+
+#include "engine/history/DoDataBase.h"
+
+#include <QPointer>
+#include <QStringList>
+#include <QWidget>
+#include <functional>
+
+class QPushButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace velmora {
+
+class ExportViewController;
+class HistoryConfirmViewController;
+
+// The history side panel: every erasure run, newest first, as an outline of
+// entries and their rows. The selected entry can be exported as an HTML
+// report or deleted; "Empty All" deletes every entry. Deleting asks first.
+class HistoryViewController : public QWidget {
+    Q_OBJECT
+public:
+    explicit HistoryViewController(QWidget* parent = nullptr);
+
+    // (Re)loads every entry and redraws.
+    void getEraserHistory();
+    void selectRow(QTreeWidgetItem* row);
+    // Delete and export act on the selected entry (`keyClickStr`).
+    void clickDeleteWithDate(const QString& date);
+    void clickExportWithDate(const QString& date);
+    void emptyAllButtonAction();
+    void closeButtonAction();
+    // The save panel; its choice goes to exportToChosenPath.
+    void getHistorySavePath();
+    // Writes the report to the chosen path with ".html" appended and confirms.
+    void exportToChosenPath(const QString& chosenPath);
+    bool writeHTML(const QString& path);
+
+    const HistoryDic& historyDic() const { return m_historyDic; }
+    const QStringList& historyAllArr() const { return m_historyAllArr; }
+    QString keyClickStr() const { return m_keyClickStr; }
+    int selectCellIndex() const { return m_selectCellIndex; }
+    QTreeWidget* outlineView() const { return m_outlineView; }
+    QWidget* noView() const { return m_noView; }
+    QPushButton* emptyAllButton() const { return m_emptyAllButton; }
+    ExportViewController* exportPanel() const;
+    HistoryConfirmViewController* confirmPanel() const;
+
+signals:
+    void closeHistoryView();
+
+private:
+    void reloadOutline();
+    void refreshSelection();
+    void askBeforeDeleting(const QString& title, const QString& message, const std::function<void()>& action);
+    void deleteSelectedEntry();
+    void clearHistoryFlagsWhenEmpty();
+
+    HistoryDic m_historyDic;
+    QStringList m_historyAllArr;
+    QString m_keyClickStr;
+    int m_selectCellIndex = -1;
+    QTreeWidget* m_outlineView;
+    QWidget* m_noView;
+    QPushButton* m_emptyAllButton;
+    QPointer<ExportViewController> m_exportPanel;
+    QPointer<HistoryConfirmViewController> m_confirmPanel;
+};
+
+}  // namespace velmora
