@@ -14,7 +14,7 @@ ErasureResultList::ErasureResultList(const FileObjList& results, QWidget* parent
     setSelectionMode(QAbstractItemView::NoSelection);
     setFocusPolicy(Qt::NoFocus);
     setTextElideMode(Qt::ElideMiddle);
-    setStyleSheet("QTreeWidget { background: rgba(0,0,0,40); border-radius: 6px; }");
+    setStyleSheet("QTreeWidget { background: rgba(0,0,0,40); border-radius: 6px; padding: 6px; }");
     RFOverlayScroller::apply(this);
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(0, QHeaderView::Stretch);

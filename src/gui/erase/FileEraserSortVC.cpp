@@ -75,9 +75,9 @@ FileEraserSortVC::FileEraserSortVC(int sortType, int sortAD, QWidget* parent)
     highlightCurrentChoice();
 }
 
-void FileEraserSortVC::popUpAt(const QPoint& globalPosition) {
+void FileEraserSortVC::popUpBelow(const QPoint& globalTopRight) {
     adjustSize();
-    move(globalPosition);
+    move(globalTopRight - QPoint(width(), 0));
     show();
 }
 

@@ -16,8 +16,8 @@ class FileEraserSortVC : public QWidget {
 public:
     FileEraserSortVC(int sortType, int sortAD, QWidget* parent);
 
-    // Opens the menu under the given point of the page.
-    void popUpAt(const QPoint& globalPosition);
+    // Opens the menu below a point, its right edge on the point.
+    void popUpBelow(const QPoint& globalTopRight);
     void buttonAction(const QString& identifier);
     int sortType() const { return m_sortType; }
     int sortAD() const { return m_sortAD; }

@@ -394,8 +394,7 @@ void FileEraserViewController::sortButtonAction() {
     if (m_sortMenu) m_sortMenu->close();
     m_sortMenu = new FileEraserSortVC(m_sortType, m_sortAD, this);
     connect(m_sortMenu, &FileEraserSortVC::selectSortbyType, this, &FileEraserViewController::selectSortbyType);
-    const QPoint below = m_sortButton->mapToGlobal(QPoint(m_sortButton->width(), m_sortButton->height() + 6));
-    m_sortMenu->popUpAt(below - QPoint(m_sortMenu->sizeHint().width(), 0));
+    m_sortMenu->popUpBelow(m_sortButton->mapToGlobal(QPoint(m_sortButton->width(), m_sortButton->height() + 6)));
 }
 
 void FileEraserViewController::selectSortbyType(int sortType, int sortAD) {
