@@ -127,6 +127,8 @@ def main():
         medians = {name: statistics.median(values) for name, values in times[mode].items()}
         print("%-6s %s" % (mode, " ".join("%10.3f" % medians[name] for name in commands)))
         for name in commands:
+            print("  %s %-8s runs: %s" % (mode, name, ", ".join("%.3f" % t for t in times[mode][name])))
+        for name in commands:
             if name != "velmora":
                 print("  %s velmora / %s = %.2f" % (mode, name, medians["velmora"] / medians[name]))
     shutil.rmtree(workdir, ignore_errors=True)
@@ -138,4 +140,5 @@ def main():
 
 
 if __name__ == "__main__":
+    sys.stdout.reconfigure(line_buffering=True)
     sys.exit(main())

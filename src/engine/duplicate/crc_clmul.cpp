@@ -6,7 +6,6 @@
 
 #include "engine/duplicate/crc64_tables.h"
 
-#include <cstring>
 
 #if defined(__x86_64__) || defined(_M_X64)
 #include <immintrin.h>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDateTime>
-#include <QList>
 #include <QString>
 #include <QtGlobal>
 
@@ -16,11 +15,6 @@ struct fileAttrbItem {
     QString filePathName;
     QString fileName;
     QDateTime ModificationDate;
-
-    // True only for two items whose whole-file fingerprints are set and equal.
-    static bool isEqual(const fileAttrbItem* item, const fileAttrbItem* otherObject) {
-        return item && otherObject && item->md5 != 0 && otherObject->md5 != 0 && item->md5 == otherObject->md5;
-    }
 };
 
 }  // namespace velmora
