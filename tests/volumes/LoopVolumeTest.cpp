@@ -9,6 +9,7 @@
 #include "engine/volumes/VolumeScanner.h"
 #include "engine/volumes/WatchMountUnmount.h"
 
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -45,6 +46,18 @@ protected:
         ::sync();
     }
 
+    // Serves the event loop until the condition holds (false after 30 seconds).
+    static bool waitUntil(const std::function<bool()>& condition) {
+        QElapsedTimer clock;
+        clock.start();
+        while (!condition()) {
+            if (clock.hasExpired(30000)) return false;
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+            QThread::msleep(10);
+        }
+        return true;
+    }
+
     TempDataDir m_data;
     QTemporaryDir m_folder;
 };
@@ -54,8 +67,23 @@ TEST_F(LoopVolumeTest, ScansListTheMountedLoopVolume) {
     LoopVolume volume(m_folder.path(), "ext4", "VELSCAN", 48);
     ASSERT_TRUE(volume.isReady()) << volume.error().toStdString();
 
+    // The list is emptied at once and filled in the background; a second request
+    // while the scan runs is ignored.
+    VolumeScanner scanner;
+    int began = 0;
+    QEventLoop loop;
+    QObject::connect(&scanner, &VolumeScanner::scanBegan, [&] { ++began; });
+    QObject::connect(&scanner, &VolumeScanner::scanEnded, &loop, &QEventLoop::quit);
+    scanner.getallVolumes();
+    EXPECT_TRUE(scanner.isScanV());
+    EXPECT_TRUE(scanner.allVolumeArr().isEmpty());
+    scanner.getallVolumes();
+    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_FALSE(scanner.isScanV());
+    EXPECT_EQ(began, 1);
     VolumeObj found;
-    for (const VolumeObj& record : VolumeScanner().scanAllVolumes())
+    for (const VolumeObj& record : scanner.allVolumeArr())
         if (record.volumePath == volume.device()) found = record;
     EXPECT_EQ(found.volumeName, "VELSCAN");
     EXPECT_EQ(found.volumeType, "ext4");
@@ -91,28 +119,34 @@ TEST_F(LoopVolumeTest, ScansListTheMountedLoopVolume) {
     EXPECT_EQ(isSolidState(volume.mountPoint() + "/lost+found"), rotational.readAll().trimmed() == "0");
 }
 
-TEST_F(LoopVolumeTest, MountsAndUnmountsAreRepostedAsNotifications) {
+TEST_F(LoopVolumeTest, MountsAndUnmountsAreRepostedAndFollowedByThePicker) {
     SKIP_UNLESS_ROOT_WITH_LOOP_DEVICES();
     LoopVolume volume(m_folder.path(), "ext4", "VELWATCH", 16);
     ASSERT_TRUE(volume.isReady()) << volume.error().toStdString();
     volume.unmount();
 
     WatchMountUnmount watcher;
+    FileManagerVolumeScan picker;
+    picker.getDiskCallBack();
+    const auto pickerHasVolume = [&] {
+        return std::any_of(picker.allVolumeArr().cbegin(), picker.allVolumeArr().cend(),
+                           [&](const VolumeObj& record) { return record.volumePath == volume.device(); });
+    };
     QStringList posted;
-    QEventLoop loop;
-    QObject::connect(NotificationCenter::defaultCenter(), &NotificationCenter::posted, &loop,
+    QObject::connect(NotificationCenter::defaultCenter(), &NotificationCenter::posted, &picker,
                      [&](const QString& name, const QVariant& info) {
-                         if (info.toMap().value("NSDevicePath") != volume.mountPoint()) return;
-                         posted.append(name);
-                         loop.quit();
+                         if (info.toMap().value("NSDevicePath") == volume.mountPoint()) posted.append(name);
                      });
-    QTimer::singleShot(0, [&] { volume.mount(); });
-    QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-    loop.exec();
-    QTimer::singleShot(0, [&] { volume.unmount(); });
-    QTimer::singleShot(20000, &loop, &QEventLoop::quit);
-    loop.exec();
+    // The notification comes at once; the picker's record after its background query.
+    ASSERT_TRUE(volume.mount());
+    EXPECT_TRUE(waitUntil([&] { return posted.size() == 1 && pickerHasVolume(); }));
+    EXPECT_EQ(posted, QStringList{"MCVolumeMount"});
+    EXPECT_TRUE(pickerHasVolume());
+
+    volume.unmount();
+    EXPECT_TRUE(waitUntil([&] { return posted.size() == 2 && !pickerHasVolume(); }));
     EXPECT_EQ(posted, QStringList({"MCVolumeMount", "MCVolumeUnmount"}));
+    EXPECT_FALSE(pickerHasVolume());
 }
 
 // The wipe of a FAT32 volume and of an ext4 volume, each with less than one fill
