@@ -38,15 +38,15 @@ ssize_t readFirstBlock(int fd, unsigned char* buffer, size_t size, bool& cached)
 #if defined(__APPLE__)
     fcntl(fd, F_NOCACHE, 1);
 #elif defined(__linux__) && defined(RWF_NOWAIT)
+    // No read-ahead: a page missing from the cache starts its own read even
+    // in the non-blocking attempt, and only that page is to be dropped later.
+    posix_fadvise(fd, 0, 0, POSIX_FADV_RANDOM);
     iovec vector{buffer, size};
     const ssize_t fromCache = preadv2(fd, &vector, 1, 0, RWF_NOWAIT);
     if (fromCache >= 0) return fromCache;
     if (errno == EAGAIN) {
         cached = false;
-        posix_fadvise(fd, 0, 0, POSIX_FADV_RANDOM);  // no read-ahead beyond the block
-        const ssize_t got = readOnce(fd, buffer, size, 0);
-        posix_fadvise(fd, 0, 0, POSIX_FADV_NORMAL);
-        return got;
+        return readOnce(fd, buffer, size, 0);
     }
 #endif
     return readOnce(fd, buffer, size, 0);
