@@ -14,7 +14,7 @@
 #include "gui/erase/MakeSureFileEraserViewControoler.h"
 #include "gui/erase/ReadOnlyVolume.h"
 #include "gui/erase/SetEraserLevelVC.h"
-#include "gui/erase/SizeText.h"
+#include "gui/widgets/SizeText.h"
 #include "gui/history/HistoryViewController.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/SidebarButton.h"

@@ -1,6 +1,6 @@
 #include "gui/duplicate/DeleteAllCopiesSheet.h"
 
-#include "gui/duplicate/DuplicatePanelContent.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/ImageSetButton.h"
 
 #include <QVBoxLayout>
@@ -12,10 +12,10 @@ DeleteAllCopiesSheet::DeleteAllCopiesSheet(QWidget* parent)
       m_okButton(ImageSetButton::primary("OK", this)),
       m_cancelButton(ImageSetButton::secondary("Cancel", this)) {
     setAttribute(Qt::WA_DeleteOnClose);
-    QVBoxLayout* layout = DuplicatePanelContent::addMessage(
+    QVBoxLayout* layout = PanelContent::addMessage(
         this, "ic_warning", "Are you sure you want to delete all the duplicate files?",
         "No copy of this file would be kept.");
-    DuplicatePanelContent::addButtons(layout, {m_cancelButton, m_okButton});
+    PanelContent::addButtons(layout, {m_cancelButton, m_okButton});
     connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }

@@ -1,6 +1,6 @@
 #include "gui/duplicate/DuplicateEmptyView.h"
 
-#include "gui/duplicate/DuplicatePanelContent.h"
+#include "gui/widgets/SvgImageView.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/Style.h"
 
@@ -19,7 +19,7 @@ DuplicateEmptyView::DuplicateEmptyView(QWidget* parent)
     layout->setContentsMargins(60, 0, 60, 0);
     layout->setSpacing(10);
     layout->addStretch(1);
-    layout->addWidget(DuplicatePanelContent::image("img_noduplicate", {150, 120}, this), 0, Qt::AlignHCenter);
+    layout->addWidget(new SvgImageView("img_noduplicate", {150, 120}, this), 0, Qt::AlignHCenter);
     layout->addSpacing(6);
     layout->addWidget(Style::label("No duplicate files found", 16), 0, Qt::AlignHCenter);
     m_messageLabel->setAlignment(Qt::AlignCenter);

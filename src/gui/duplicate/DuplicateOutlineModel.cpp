@@ -1,7 +1,7 @@
 #include "gui/duplicate/DuplicateOutlineModel.h"
 
 #include "engine/duplicate/DuplicateResults.h"
-#include "gui/duplicate/DuplicateSizeText.h"
+#include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
 
 #include <QCollator>
@@ -182,7 +182,7 @@ QVariant DuplicateOutlineModel::data(const QModelIndex& index, int role) const {
             if (!isGroup) return QString();
             return item.showSelectNumStr.isEmpty() ? QString("0/%1").arg(node->children().size())
                                                    : item.showSelectNumStr;
-        case Size: return duplicateSizeText(item.fileSize);
+        case Size: return byteToSizeWithByte(item.fileSize);
         case Date: return isGroup ? QString() : item.modificationDate.toString("yyyy-MM-dd HH:mm");
         }
         return {};

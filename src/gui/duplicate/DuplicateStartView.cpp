@@ -1,6 +1,6 @@
 #include "gui/duplicate/DuplicateStartView.h"
 
-#include "gui/duplicate/DuplicatePanelContent.h"
+#include "gui/widgets/SvgImageView.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/Style.h"
 
@@ -21,7 +21,7 @@ DuplicateStartView::DuplicateStartView(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(10);
     layout->addStretch(1);
-    layout->addWidget(DuplicatePanelContent::image("img_duplicate_drop", {150, 120}, this), 0, Qt::AlignHCenter);
+    layout->addWidget(new SvgImageView("img_duplicate_drop", {150, 120}, this), 0, Qt::AlignHCenter);
     layout->addSpacing(8);
     layout->addWidget(Style::label("Drop a folder here", 16), 0, Qt::AlignHCenter);
     layout->addWidget(Style::label("or", 12, true), 0, Qt::AlignHCenter);

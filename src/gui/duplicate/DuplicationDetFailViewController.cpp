@@ -1,6 +1,6 @@
 #include "gui/duplicate/DuplicationDetFailViewController.h"
 
-#include "gui/duplicate/DuplicatePanelContent.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/ImageSetButton.h"
 
 #include <QLabel>
@@ -12,15 +12,15 @@ DuplicationDetFailViewController::DuplicationDetFailViewController(const QString
                                                                    QWidget* parent)
     : MAAttachedWindow(parent, {460, 200}), m_okButton(ImageSetButton::primary("OK", this)) {
     setAttribute(Qt::WA_DeleteOnClose);
-    QVBoxLayout* layout = DuplicatePanelContent::addMessage(this, "ic_fail", title, message);
-    DuplicatePanelContent::addButtons(layout, {m_okButton});
+    QVBoxLayout* layout = PanelContent::addMessage(this, "ic_fail", title, message);
+    PanelContent::addButtons(layout, {m_okButton});
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }
 
 QString DuplicationDetFailViewController::titleText() const { return findChild<QLabel*>("panelTitle")->text(); }
 
 QString DuplicationDetFailViewController::messageText() const {
-    return DuplicatePanelContent::messageLabel(this)->text();
+    return PanelContent::messageLabel(this)->text();
 }
 
 }  // namespace velmora

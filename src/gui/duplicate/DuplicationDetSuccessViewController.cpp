@@ -1,7 +1,7 @@
 #include "gui/duplicate/DuplicationDetSuccessViewController.h"
 
-#include "gui/duplicate/DuplicatePanelContent.h"
-#include "gui/duplicate/DuplicateSizeText.h"
+#include "gui/widgets/PanelContent.h"
+#include "gui/widgets/SizeText.h"
 #include "gui/widgets/ImageSetButton.h"
 
 #include <QLabel>
@@ -16,14 +16,14 @@ DuplicationDetSuccessViewController::DuplicationDetSuccessViewController(int rem
     const QString message = QString("%1 duplicate %2 removed, %3 freed.")
                                 .arg(removedCount)
                                 .arg(removedCount == 1 ? "file" : "files")
-                                .arg(duplicateSizeText(freedBytes));
-    QVBoxLayout* layout = DuplicatePanelContent::addMessage(this, "ic_success", "Duplicates removed", message);
-    DuplicatePanelContent::addButtons(layout, {m_okButton});
+                                .arg(byteToSizeWithByte(freedBytes));
+    QVBoxLayout* layout = PanelContent::addMessage(this, "ic_success", "Duplicates removed", message);
+    PanelContent::addButtons(layout, {m_okButton});
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }
 
 QString DuplicationDetSuccessViewController::messageText() const {
-    return DuplicatePanelContent::messageLabel(this)->text();
+    return PanelContent::messageLabel(this)->text();
 }
 
 }  // namespace velmora

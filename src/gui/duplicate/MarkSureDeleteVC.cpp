@@ -1,7 +1,7 @@
 #include "gui/duplicate/MarkSureDeleteVC.h"
 
-#include "gui/duplicate/DuplicatePanelContent.h"
-#include "gui/duplicate/DuplicateSizeText.h"
+#include "gui/widgets/PanelContent.h"
+#include "gui/widgets/SizeText.h"
 #include "gui/widgets/ImageSetButton.h"
 
 #include <QVBoxLayout>
@@ -16,10 +16,10 @@ MarkSureDeleteVC::MarkSureDeleteVC(int fileCount, quint64 totalSize, QWidget* pa
     const QString message = QString("%1 selected %2 (%3) will be deleted for good: nothing goes to the Trash.")
                                 .arg(fileCount)
                                 .arg(fileCount == 1 ? "copy" : "copies")
-                                .arg(duplicateSizeText(totalSize));
+                                .arg(byteToSizeWithByte(totalSize));
     QVBoxLayout* layout =
-        DuplicatePanelContent::addMessage(this, "ic_warning", "Remove the selected duplicates?", message);
-    DuplicatePanelContent::addButtons(layout, {m_cancelButton, m_continueButton});
+        PanelContent::addMessage(this, "ic_warning", "Remove the selected duplicates?", message);
+    PanelContent::addButtons(layout, {m_cancelButton, m_continueButton});
     connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_continueButton, &QPushButton::clicked, this, [this] {
         accept();

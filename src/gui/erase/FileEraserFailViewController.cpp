@@ -1,7 +1,7 @@
 #include "gui/erase/FileEraserFailViewController.h"
 
 #include "gui/erase/ErasureResultList.h"
-#include "gui/erase/PanelContent.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/Style.h"
 

@@ -1,7 +1,7 @@
 #include "gui/erase/FileEraserSuccessViewController.h"
 
 #include "gui/erase/ErasureResultList.h"
-#include "gui/erase/PanelContent.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/ImageSetButton.h"
 
 #include <QVBoxLayout>

@@ -1,6 +1,6 @@
 #include "gui/erase/FileEraserTableModel.h"
 
-#include "gui/erase/SizeText.h"
+#include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
 
 #include <QFileIconProvider>

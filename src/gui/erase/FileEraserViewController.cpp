@@ -20,7 +20,7 @@
 #include "gui/erase/NoticeViewController.h"
 #include "gui/erase/ReadOnlyVolume.h"
 #include "gui/erase/SetEraserLevelVC.h"
-#include "gui/erase/SvgImageView.h"
+#include "gui/widgets/SvgImageView.h"
 #include "gui/history/HistoryViewController.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"

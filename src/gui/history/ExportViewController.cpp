@@ -1,6 +1,6 @@
 #include "gui/history/ExportViewController.h"
 
-#include "gui/erase/PanelContent.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/ImageSetButton.h"
 
 #include <QFileInfo>

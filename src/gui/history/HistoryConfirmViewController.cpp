@@ -1,6 +1,6 @@
 #include "gui/history/HistoryConfirmViewController.h"
 
-#include "gui/erase/PanelContent.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/ImageSetButton.h"
 
 #include <QVBoxLayout>

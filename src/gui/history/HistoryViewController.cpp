@@ -3,7 +3,7 @@
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/HistoryReport.h"
 #include "engine/platform/StandardPaths.h"
-#include "gui/erase/SvgImageView.h"
+#include "gui/widgets/SvgImageView.h"
 #include "gui/history/ExportViewController.h"
 #include "gui/history/HistoryConfirmViewController.h"
 #include "gui/history/HistoryDeleteTextFieldCell.h"

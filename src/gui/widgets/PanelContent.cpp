@@ -1,6 +1,6 @@
-#include "gui/erase/PanelContent.h"
+#include "gui/widgets/PanelContent.h"
 
-#include "gui/erase/SvgImageView.h"
+#include "gui/widgets/SvgImageView.h"
 #include "gui/widgets/Style.h"
 
 #include <QHBoxLayout>
@@ -44,5 +44,7 @@ void addButtons(QVBoxLayout* layout, const QList<QPushButton*>& buttons) {
     for (QPushButton* button : buttons) row->addWidget(button);
     layout->addLayout(row);
 }
+
+QLabel* messageLabel(const QWidget* panel) { return panel->findChild<QLabel*>("panelMessage"); }
 
 }  // namespace velmora::PanelContent

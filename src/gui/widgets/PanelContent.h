@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 
+class QLabel;
 class QPushButton;
 class QVBoxLayout;
 class QWidget;
@@ -18,6 +19,8 @@ namespace PanelContent {
 // so that the caller can add more content before the buttons.
 QVBoxLayout* addMessage(QWidget* panel, const QString& image, const QString& title, const QString& message);
 void addButtons(QVBoxLayout* layout, const QList<QPushButton*>& buttons);
+// The message label laid out by addMessage().
+QLabel* messageLabel(const QWidget* panel);
 
 }  // namespace PanelContent
 }  // namespace velmora

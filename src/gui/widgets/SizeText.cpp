@@ -1,4 +1,4 @@
-#include "gui/erase/SizeText.h"
+#include "gui/widgets/SizeText.h"
 
 namespace velmora {
 

@@ -1,4 +1,4 @@
-#include "gui/erase/SvgImageView.h"
+#include "gui/widgets/SvgImageView.h"
 
 #include "gui/widgets/Style.h"
 
