@@ -28,6 +28,16 @@ TEST_F(EraseListTest, FolderWithFileAndEmptySubfolderBecomesFileSubfolderFolder)
     }
 }
 
+TEST_F(EraseListTest, ChosenLinkToAFolderIsNeverWalkedInto) {
+    const QString target = scratch("target");
+    writeFile(target + "/keep.txt", "keep");
+    const QString link = scratch("link");
+    ASSERT_TRUE(QFile::link(target, link));
+    const FileObjList list = EraseList::build({fileRecord(link, true)});
+    ASSERT_EQ(list.size(), 1);
+    EXPECT_EQ(list.first().url, link);
+}
+
 TEST_F(EraseListTest, EveryItemPrecedesItsFolderAndOnlyTickedRecordsCount) {
     const QString root = scratch("root");
     writeFile(root + "/a/b/deep.txt", "d");

@@ -34,7 +34,9 @@ FileObjList build(const FileObjList& records) {
     FileObjList list;
     for (const FileObj& record : records) {
         if (!record.isSelect) continue;
-        if (record.isDir && QFileInfo(record.url).suffix() != "app") appendContents(record.url, list);
+        // A chosen link to a folder is erased as the link: what it points to was not chosen.
+        const QFileInfo info(record.url);
+        if (record.isDir && isRealFolder(info) && info.suffix() != "app") appendContents(record.url, list);
         list.append(record);
     }
     return list;
