@@ -1,15 +1,19 @@
 #include "engine/duplicate/FingerprintPool.h"
 
-#include <QFuture>
-#include <QList>
 #include <QThreadPool>
-#include <QtConcurrent/QtConcurrentRun>
+#include <condition_variable>
+#include <mutex>
 
 namespace velmora {
 
+// The hand-over to the pool and back is made with standard atomics and a
+// condition variable rather than QFuture, so that the order of every access
+// to the shared state is visible to ThreadSanitizer.
 bool FingerprintPool::run(qsizetype count, const Job& job, const std::atomic<bool>& stop) {
     std::atomic<qsizetype> next{0};
+    std::atomic<bool> started{false};
     auto work = [&] {
+        started.load(std::memory_order_acquire);
         algorithm worker;
         for (;;) {
             if (stop.load(std::memory_order_relaxed)) return;
@@ -18,12 +22,23 @@ bool FingerprintPool::run(qsizetype count, const Job& job, const std::atomic<boo
             job(worker, index);
         }
     };
+
     QThreadPool* pool = QThreadPool::globalInstance();
     const qsizetype helpers = qMax<qsizetype>(0, qMin<qsizetype>(pool->maxThreadCount(), count - 1));
-    QList<QFuture<void>> running;
-    for (qsizetype i = 0; i < helpers; ++i) running.append(QtConcurrent::run(pool, work));
+    std::mutex mutex;
+    std::condition_variable allDone;
+    qsizetype running = helpers;
+    started.store(true, std::memory_order_release);
+    for (qsizetype i = 0; i < helpers; ++i) {
+        pool->start([&] {
+            work();
+            std::lock_guard lock(mutex);
+            if (--running == 0) allDone.notify_all();
+        });
+    }
     work();
-    for (QFuture<void>& future : running) future.waitForFinished();
+    std::unique_lock lock(mutex);
+    allDone.wait(lock, [&] { return running == 0; });
     return next.load(std::memory_order_relaxed) >= count;
 }
 
