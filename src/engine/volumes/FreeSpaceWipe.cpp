@@ -178,11 +178,11 @@ void FreeSpaceWipe::createDydFile(const QString& folder, int index) {
         bool written = handle.seekToEndOfFile();
         if (written && i == 0) written = handle.writeData(header, sizeof header);
         if (!written || !handle.writeData(zeroBlock(), kBlock)) {
-            qWarning("This is a error");
+            qInfo("This is a error");
             return;
         }
     }
-    if (!handle.close()) qWarning("This is a error");
+    if (!handle.close()) qInfo("This is a error");
 }
 
 // The file ".velmora_<fillCount>" of `remainder` bytes: zero blocks and then "0"
@@ -225,8 +225,8 @@ void FreeSpaceWipe::writLostDataWithLoseCount(qint64 remainder, qint64 fillCount
         failed = !handle.close() || failed;
     }
     if (failed) {
-        // A full volume ends the remainder early; the run still counts as erased.
-        qWarning("NO FACE");
+        // A full volume ends the remainder early, as expected: the run still counts as erased.
+        qInfo("NO FACE");
         setErrorString({});
         removeFolder(folder);
         flushFileSystemOf(folder);
