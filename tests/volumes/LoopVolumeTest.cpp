@@ -157,6 +157,9 @@ TEST_P(WipeFreeTest, DeletedMarkerIsGoneFromTheRawImageAndKeptFilesStay) {
     SKIP_UNLESS_ROOT_WITH_LOOP_DEVICES();
     const QString type = GetParam();
     LoopVolume volume(m_folder.path(), type, type == "ext4" ? "VELEXT" : "VELFAT", 64);
+    if (type == "vfat" && volume.error().startsWith("mount:"))
+        GTEST_SKIP() << "SKIPPED: FAT32 cannot be mounted here (no kernel vfat, no usable fusefat): "
+                     << volume.error().toStdString();
     ASSERT_TRUE(volume.isReady()) << volume.error().toStdString();
     const QString kept = volume.mountPoint() + "/kept.txt";
     {
