@@ -4,6 +4,7 @@
 #include "gui/app/PlaceholderPage.h"
 #include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/erase/FileEraserViewController.h"
+#include "gui/volumes/WipeDiskViewController.h"
 #include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
 
@@ -93,6 +94,8 @@ void MainWindowController::addPages() {
     for (const QStringList& pageTitles : titles) {
         QWidget* page = m_allBaseViewArr.isEmpty()
                             ? static_cast<QWidget*>(new FileEraserViewController(this, m_pageArea))
+                        : m_allBaseViewArr.size() == 1
+                            ? static_cast<QWidget*>(new WipeDiskViewController(this, m_pageArea))
                         : m_allBaseViewArr.size() == 5
                             ? static_cast<QWidget*>(new SameFileDeleteViewController(this, m_pageArea))
                             : new PlaceholderPage(pageTitles, m_pageArea);

@@ -1,0 +1,27 @@
+#include "gui/volumes/MakeSureWipeDiskViewController.h"
+
+#include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/PanelContent.h"
+
+#include <QVBoxLayout>
+
+namespace velmora {
+
+MakeSureWipeDiskViewController::MakeSureWipeDiskViewController(const QString& volumeName, QWidget* parent)
+    : MAAttachedWindow(parent, {470, 230}),
+      m_continueButton(ImageSetButton::primary("Continue", this)),
+      m_cancelButton(ImageSetButton::secondary("Cancel", this)) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    QVBoxLayout* layout = PanelContent::addMessage(
+        this, "ic_warning", QString("Erase all data on \"%1\"?").arg(volumeName),
+        "Every file on this volume will be removed and its space overwritten. Erased data cannot be recovered, "
+        "not even with recovery software.");
+    PanelContent::addButtons(layout, {m_cancelButton, m_continueButton});
+    connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_continueButton, &QPushButton::clicked, this, [this] {
+        accept();
+        emit makeSureToWipeSelectVolume();
+    });
+}
+
+}  // namespace velmora

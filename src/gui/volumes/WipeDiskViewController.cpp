@@ -1,0 +1,316 @@
+#include "gui/volumes/WipeDiskViewController.h"
+
+#include "engine/erase/EraserLevel.h"
+#include "engine/erase/PublicUtilities.h"
+#include "engine/history/DoDataBase.h"
+#include "engine/platform/NotificationCenter.h"
+#include "engine/volumes/FreeSpaceWipe.h"
+#include "engine/volumes/VolumeScanner.h"
+#include "engine/volumes/WatchMountUnmount.h"
+#include "engine/volumes/WholeDriveErase.h"
+#include "gui/app/MainWindowController.h"
+#include "gui/erase/FileEraserTableDelegate.h"
+#include "gui/erase/SetEraserLevelVC.h"
+#include "gui/history/HistoryViewController.h"
+#include "gui/volumes/MakeSureWipeDiskViewController.h"
+#include "gui/volumes/MakeSureWipeFreeSpaceViewController.h"
+#include "gui/volumes/NTFSViewController.h"
+#include "gui/volumes/SystemEraserViewController.h"
+#include "gui/volumes/VolumeTableModel.h"
+#include "gui/volumes/WipeDiskProViewController.h"
+#include "gui/volumes/WipeFailViewController.h"
+#include "gui/volumes/WipeSuccessViewController.h"
+#include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/MLCircularIndicator.h"
+#include "gui/widgets/RFOverlayScroller.h"
+#include "gui/widgets/SlidePanel.h"
+#include "gui/widgets/Style.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QTableView>
+
+namespace velmora {
+namespace {
+
+constexpr int kTableTop = 100;
+constexpr int kTableHeight = 400;
+constexpr int kMargin = 26;
+
+ImageToggle* headerButton(const QString& image, const QString& tip, QWidget* parent) {
+    auto* button = new ImageToggle(image, parent, 26);
+    button->setToolTip(tip);
+    return button;
+}
+
+}  // namespace
+
+WipeDiskViewController::WipeDiskViewController(MainWindowController* superDelegate, QWidget* parent)
+    : QWidget(parent),
+      m_superDelegate(superDelegate),
+      m_scanner(new VolumeScanner(VolumeScanner::Screen::Erase, this)),
+      m_wipe(new FreeSpaceWipe(this)),
+      m_erase(new WholeDriveErase(m_wipe, this)),
+      m_mountWatcher(new WatchMountUnmount(this)),
+      m_model(new VolumeTableModel(this)) {
+    resize(MainWindowController::kPageWidth, MainWindowController::kPageHeight);
+    m_wipe->setVolumeScanner(m_scanner);
+    createHeader();
+    createTable();
+    createFooter();
+    m_levelPanel = new SlidePanel(this);
+    m_historyPanel = new SlidePanel(this);
+
+    connect(m_scanner, &VolumeScanner::scanBegan, this, &WipeDiskViewController::scanBegan);
+    connect(m_scanner, &VolumeScanner::scanEnded, this, &WipeDiskViewController::scanEnded);
+    connect(NotificationCenter::defaultCenter(), &NotificationCenter::posted, this, [this](const QString& name) {
+        if (name == "MCVolumeMount" || name == "MCVolumeUnmount") getallVolumes();
+    });
+
+    connect(m_wipe, &FreeSpaceWipe::setRemoveProgress, this, [this](const QString& text, float percent) {
+        if (m_progressPanel) m_progressPanel->setRemoveProgress(text, percent);
+    });
+    connect(m_wipe, &FreeSpaceWipe::closeWindow, this, [this] {
+        if (m_progressPanel) m_progressPanel->closeWindow();
+    });
+    connect(m_wipe, &FreeSpaceWipe::eraserEnded, this, &WipeDiskViewController::showEndEraser);
+    connect(m_wipe, &FreeSpaceWipe::runStalled, this, [this] {
+        runStalled(QString("The wipe stopped after pass %1 without finishing: the volume has too little free space "
+                           "for the passes that followed.")
+                       .arg(m_wipe->iRoundTimes()));
+    });
+    connect(m_erase, &WholeDriveErase::runStalled, this, &WipeDiskViewController::runStalled);
+
+    changeFormatOrFreeSpaceView(1);
+    updateHistoryButton();
+    selectVolumeButton(-1);
+}
+
+// The fill and the disk utility stop with their owners; the scanner waits for its scan.
+WipeDiskViewController::~WipeDiskViewController() = default;
+
+void WipeDiskViewController::createHeader() {
+    m_titleLabel = Style::label(QString(), 22, false, true);
+    m_titleLabel->setParent(this);
+    m_titleLabel->setGeometry(40, 28, 500, 34);
+    m_subtitleLabel = Style::label(QString(), 12, true);
+    m_subtitleLabel->setParent(this);
+    m_subtitleLabel->setGeometry(40, 62, 580, 20);
+
+    auto* settings = headerButton("ic_setting", "Erasure level", this);
+    settings->move(680, 36);
+    connect(settings, &ImageToggle::clicked, this, &WipeDiskViewController::setButtonAction);
+    m_historyButton = headerButton("ic_nohistory", "Erasure history", this);
+    m_historyButton->move(720, 36);
+    connect(m_historyButton, &ImageToggle::clicked, this, &WipeDiskViewController::historyButtonAction);
+}
+
+void WipeDiskViewController::createTable() {
+    m_tableView = new QTableView(this);
+    m_tableView->setGeometry(kMargin, kTableTop, width() - 2 * kMargin, kTableHeight);
+    m_tableView->setModel(m_model);
+    m_tableView->setItemDelegate(new FileEraserTableDelegate(m_tableView));
+    m_tableView->setShowGrid(false);
+    m_tableView->setSelectionMode(QAbstractItemView::NoSelection);
+    m_tableView->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_tableView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_tableView->setFocusPolicy(Qt::NoFocus);
+    m_tableView->setMouseTracking(true);
+    m_tableView->viewport()->setAttribute(Qt::WA_Hover);
+    m_tableView->verticalHeader()->hide();
+    m_tableView->verticalHeader()->setDefaultSectionSize(44);
+    RFOverlayScroller::apply(m_tableView);
+    QHeaderView* header = m_tableView->horizontalHeader();
+    header->setFixedHeight(30);
+    header->setSectionsClickable(false);
+    header->setHighlightSections(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setFont(Style::regularFont(12));
+    header->setMinimumSectionSize(20);
+    for (int column = 0; column < VolumeTableModel::ColumnCount; ++column) {
+        header->setSectionResizeMode(column, QHeaderView::Fixed);
+        header->resizeSection(column, VolumeTableModel::columnWidth(column));
+    }
+    m_tableView->setStyleSheet("QTableView { background: transparent; border: none; }"
+                               "QHeaderView { background: transparent; border-bottom: 1px solid rgba(255,255,255,30); }"
+                               "QHeaderView::section { padding-left: 6px; }");
+    // A click anywhere on a row chooses its volume.
+    connect(m_tableView, &QTableView::clicked, this,
+            [this](const QModelIndex& index) { selectVolumeButton(index.row()); });
+
+    m_busyIndicator = new MLCircularIndicator(this, 48);
+    m_busyIndicator->move(m_tableView->geometry().center() - QPoint(24, 24));
+    m_busyIndicator->setIndeterminate(true);
+    m_busyIndicator->hide();
+}
+
+void WipeDiskViewController::createFooter() {
+    m_selectedLabel = Style::label(QString(), 13, true);
+    m_selectedLabel->setParent(this);
+    m_selectedLabel->setGeometry(kMargin + 6, 530, 520, 36);
+    m_wipeButton = ImageSetButton::primary("Erase Now", this);
+    m_wipeButton->setFixedWidth(130);
+    m_wipeButton->move(width() - kMargin - m_wipeButton->width(), 530);
+    m_wipeButton->setEnabled(false);
+    connect(m_wipeButton, &QPushButton::clicked, this, &WipeDiskViewController::wipeButtonAction);
+}
+
+int WipeDiskViewController::selectEraserType() const { return m_wipe->selectEraserType; }
+const VolumeList& WipeDiskViewController::allVolumeArr() const { return m_scanner->allVolumeArr(); }
+const VolumeObj& WipeDiskViewController::selectVolumeObj() const { return m_wipe->selectVolumeObj; }
+MakeSureWipeFreeSpaceViewController* WipeDiskViewController::makeSureFreeSpacePanel() const { return m_makeSureFreeSpacePanel; }
+MakeSureWipeDiskViewController* WipeDiskViewController::makeSureDiskPanel() const { return m_makeSureDiskPanel; }
+WipeFreeSpaceProViewController* WipeDiskViewController::progressPanel() const { return m_progressPanel; }
+WipeSuccessViewController* WipeDiskViewController::successPanel() const { return m_successPanel; }
+WipeFailViewController* WipeDiskViewController::failPanel() const { return m_failPanel; }
+GuideNotice* WipeDiskViewController::noticePanel() const { return m_noticePanel; }
+
+// ---- Volume list -----------------------------------------------------------
+
+void WipeDiskViewController::getallVolumes() { m_scanner->getallVolumes(); }
+
+void WipeDiskViewController::scanBegan() {
+    m_busyIndicator->show();
+    m_busyIndicator->raise();
+    m_selectedLabel->clear();
+    m_wipeButton->setEnabled(false);
+    reloadData();
+}
+
+void WipeDiskViewController::scanEnded() {
+    m_busyIndicator->hide();
+    reloadData();
+    if (!m_wipe->isBegin()) selectVolumeButton(-1);
+}
+
+void WipeDiskViewController::reloadData() {
+    // The radio marks the chosen volume only while it is listed.
+    const bool listed = m_selectIndex >= 0 && m_selectIndex < allVolumeArr().size();
+    m_model->reloadData(allVolumeArr(), listed ? m_wipe->selectVolumeObj.volumePath : QString());
+}
+
+void WipeDiskViewController::selectVolumeButton(int clickedRow) {
+    const int row = clickedRow >= 0 ? clickedRow : m_selectIndex;
+    if (row < 0 || row >= allVolumeArr().size()) {
+        m_wipeButton->setEnabled(false);
+        reloadData();
+        return;
+    }
+    m_selectIndex = row;
+    m_wipe->selectVolumeObj = allVolumeArr().at(row);
+    m_wipeButton->setEnabled(true);
+    m_selectedLabel->setText(QString("You have selected: %1").arg(m_wipe->selectVolumeObj.volumeName));
+    reloadData();
+}
+
+void WipeDiskViewController::changeFormatOrFreeSpaceView(int tag) {
+    const bool wholeDrive = tag == 1;
+    m_wipe->selectEraserType = wholeDrive ? 2 : 1;
+    m_titleLabel->setText(wholeDrive ? "Erase Hard Drive" : "Erase Free Space");
+    m_subtitleLabel->setText(wholeDrive ? "Remove every file on a volume and overwrite all of its space."
+                                        : "Overwrite the free space of a volume so deleted files cannot come back.");
+}
+
+// ---- Side panels -----------------------------------------------------------
+
+void WipeDiskViewController::updateHistoryButton() {
+    const bool hasHistory = PublicUtilities::getUpDataHistoryStr(DoDataBase::kWipeVolumeHistory).toInt() != 0;
+    m_historyButton->setImageName(hasHistory ? "ic_history" : "ic_nohistory");
+}
+
+void WipeDiskViewController::setButtonAction() { SetEraserLevelVC::showIn(m_levelPanel); }
+
+void WipeDiskViewController::historyButtonAction() {
+    auto* history = new HistoryViewController;
+    m_historyPanel->setContent(history);
+    connect(history, &HistoryViewController::closeHistoryView, this, &WipeDiskViewController::closeHistoryView);
+    history->getEraserHistory();
+    m_historyPanel->slideIn();
+}
+
+void WipeDiskViewController::closeHistoryView() {
+    m_historyPanel->slideOut();
+    updateHistoryButton();
+}
+
+// ---- A run -----------------------------------------------------------------
+
+void WipeDiskViewController::wipeButtonAction() {
+    if (m_selectIndex < 0 || m_selectIndex >= allVolumeArr().size()) return;
+    switch (m_wipe->wipeButtonAction()) {
+    case FreeSpaceWipe::WipeStart::DoFreeAction: doFreeAction(); break;
+    case FreeSpaceWipe::WipeStart::ShowNTFSWindow: showNotice(new NTFSViewController(this)); break;
+    case FreeSpaceWipe::WipeStart::DoEraserPartiltion: doEraserPartiltion(); break;
+    case FreeSpaceWipe::WipeStart::ShowSystemEraser: showNotice(new SystemEraserViewController(this)); break;
+    case FreeSpaceWipe::WipeStart::NoSelectType: break;
+    }
+}
+
+void WipeDiskViewController::showNotice(GuideNotice* notice) {
+    m_noticePanel = notice;
+    m_noticePanel->open();
+}
+
+void WipeDiskViewController::doFreeAction() {
+    // The elapsed time counts from here, before the user confirms.
+    m_wipe->setEraserTime();
+    m_makeSureFreeSpacePanel = new MakeSureWipeFreeSpaceViewController(m_wipe->selectVolumeObj.volumeName, this);
+    connect(m_makeSureFreeSpacePanel, &MakeSureWipeFreeSpaceViewController::makeSureToWipeFreeSpaceSelectVolume, this,
+            &WipeDiskViewController::makeSureToWipeFreeSpaceSelectVolume);
+    m_makeSureFreeSpacePanel->open();
+}
+
+void WipeDiskViewController::doEraserPartiltion() {
+    m_makeSureDiskPanel = new MakeSureWipeDiskViewController(m_wipe->selectVolumeObj.volumeName, this);
+    connect(m_makeSureDiskPanel, &MakeSureWipeDiskViewController::makeSureToWipeSelectVolume, this,
+            &WipeDiskViewController::makeSureToWipeSelectVolume);
+    m_makeSureDiskPanel->open();
+}
+
+void WipeDiskViewController::makeSureToWipeFreeSpaceSelectVolume() {
+    lockSidebar(true);
+    auto* panel = new WipeFreeSpaceProViewController(EraserLevel::displayName(FreeSpaceWipe::getEraserTimes()), this);
+    connect(panel, &WipeFreeSpaceProViewController::cancelWipeButtonAction, m_wipe,
+            &FreeSpaceWipe::cancelWipeSpaceButtonAction);
+    m_progressPanel = panel;
+    m_wipe->doFreeSpaceAction();
+    m_progressPanel->open();
+}
+
+void WipeDiskViewController::makeSureToWipeSelectVolume() {
+    lockSidebar(true);
+    auto* panel = new WipeDiskProViewController(EraserLevel::displayName(FreeSpaceWipe::getEraserTimes()), this);
+    connect(panel, &WipeFreeSpaceProViewController::cancelWipeButtonAction, m_wipe,
+            &FreeSpaceWipe::cancelWipeDiskButtonAction);
+    m_progressPanel = panel;
+    m_progressPanel->setRemoveProgress("Reformatting the volume…", 0);
+    m_erase->makeSureToWipeSelectVolume();
+    m_progressPanel->open();
+}
+
+void WipeDiskViewController::showEndEraser(bool succeeded, const QString& endText, bool cancelled) {
+    lockSidebar(false);
+    if (m_progressPanel) m_progressPanel->closeWindow();
+    if (succeeded) {
+        m_successPanel = new WipeSuccessViewController(endText, this);
+        m_successPanel->open();
+    } else {
+        m_failPanel = new WipeFailViewController(endText, cancelled, this);
+        m_failPanel->open();
+    }
+    updateHistoryButton();
+}
+
+void WipeDiskViewController::runStalled(const QString& reason) {
+    lockSidebar(false);
+    if (m_progressPanel) m_progressPanel->showStalled(reason);
+}
+
+void WipeDiskViewController::lockSidebar(bool locked) {
+    if (m_superDelegate) m_superDelegate->canChangeType(!locked);
+}
+
+void WipeDiskViewController::endAppRemoveFolder() { m_wipe->endAppRemoveFolder(); }
+
+}  // namespace velmora

@@ -1,0 +1,27 @@
+#include "gui/volumes/WipeFailViewController.h"
+
+#include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/PanelContent.h"
+#include "gui/widgets/Style.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace velmora {
+
+WipeFailViewController::WipeFailViewController(const QString& errorText, bool wasCancelled, QWidget* parent)
+    : MAAttachedWindow(parent, {470, 230}),
+      m_failNode(Style::label("The space written so far has been released again; the volume holds no fill files.", 12)),
+      m_okButton(ImageSetButton::primary("OK", this)) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    QVBoxLayout* layout = PanelContent::addMessage(this, "ic_fail", "Erasure failed", errorText);
+    m_failNode->setObjectName("failNode");
+    m_failNode->setWordWrap(true);
+    m_failNode->setStyleSheet("color: #E8A93A; background: transparent;");
+    m_failNode->setVisible(wasCancelled);
+    layout->addWidget(m_failNode);
+    PanelContent::addButtons(layout, {m_okButton});
+    connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
+}
+
+}  // namespace velmora

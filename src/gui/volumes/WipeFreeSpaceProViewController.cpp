@@ -1,0 +1,88 @@
+#include "gui/volumes/WipeFreeSpaceProViewController.h"
+
+#include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/Style.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QVBoxLayout>
+
+namespace velmora {
+namespace {
+
+// The bar counts in tenths of a percent, so that small steps still move it.
+constexpr int kBarScale = 10;
+constexpr float kLeastShownPercent = 2.0f;
+
+}  // namespace
+
+WipeFreeSpaceProViewController::WipeFreeSpaceProViewController(const QString& levelName, QWidget* parent,
+                                                               const QString& title)
+    : MAAttachedWindow(parent, {480, 250}),
+      m_typeLabel(Style::label(levelName, 12, true)),
+      m_bar(new QProgressBar(this)),
+      m_pathLabel(Style::label("Preparing…", 12)),
+      m_cancelNote(Style::label("Cancelling… the wipe stops at its next step.", 12)),
+      m_cancelButton(ImageSetButton::secondary("Cancel", this)) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(28, 24, 28, 22);
+    layout->setSpacing(8);
+    layout->addWidget(Style::label(title, 15, false, true));
+    m_typeLabel->setObjectName("typeLabel");
+    layout->addWidget(m_typeLabel);
+    layout->addSpacing(8);
+
+    m_bar->setRange(0, 100 * kBarScale);
+    m_bar->setTextVisible(false);
+    m_bar->setFixedHeight(8);
+    m_bar->setStyleSheet(QString("QProgressBar { background: rgba(255,255,255,30); border: none; border-radius: 4px; }"
+                                 "QProgressBar::chunk { background: %1; border-radius: 4px; }")
+                             .arg(Style::rgba(Style::kAccent)));
+    layout->addWidget(m_bar);
+    layout->addSpacing(4);
+    m_pathLabel->setObjectName("pathLabel");
+    m_pathLabel->setWordWrap(true);
+    layout->addWidget(m_pathLabel);
+    m_cancelNote->setObjectName("cancelNote");
+    m_cancelNote->setWordWrap(true);
+    m_cancelNote->setStyleSheet("color: #E8A93A; background: transparent;");
+    m_cancelNote->hide();
+    layout->addWidget(m_cancelNote);
+    layout->addStretch(1);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(m_cancelButton);
+    layout->addLayout(buttons);
+    connect(m_cancelButton, &QPushButton::clicked, this, [this] {
+        if (m_stalled) {
+            close();
+            return;
+        }
+        m_cancelButton->setEnabled(false);
+        m_cancelNote->show();
+        emit cancelWipeButtonAction();
+    });
+    setRemoveProgress(m_pathLabel->text(), 0);
+}
+
+void WipeFreeSpaceProViewController::setRemoveProgress(const QString& statusText, float percent) {
+    m_progress = qMax(percent, kLeastShownPercent);
+    m_bar->setValue(int(qMin(m_progress, 100.0f) * kBarScale));
+    m_pathLabel->setText(statusText);
+}
+
+void WipeFreeSpaceProViewController::showStalled(const QString& reason) {
+    m_stalled = true;
+    m_cancelNote->hide();
+    m_pathLabel->setText(reason);
+    m_cancelButton->setText("Close");
+    m_cancelButton->setEnabled(true);
+}
+
+QString WipeFreeSpaceProViewController::typeText() const { return m_typeLabel->text(); }
+QString WipeFreeSpaceProViewController::pathText() const { return m_pathLabel->text(); }
+
+}  // namespace velmora

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "gui/widgets/MAAttachedWindow.h"
+
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+namespace velmora {
+
+// The progress of a free-space wipe: the erasure level, a bar (never below
+// 2%), the status text of the engine and "Cancel". After Cancel the button is
+// disabled and a note says the wipe stops at its next step.
+class WipeFreeSpaceProViewController : public MAAttachedWindow {
+    Q_OBJECT
+public:
+    WipeFreeSpaceProViewController(const QString& levelName, QWidget* parent,
+                                   const QString& title = "Erasing free space…");
+
+    void setRemoveProgress(const QString& statusText, float percent);
+    // The run ended without an end view: the reason shows and Cancel becomes "Close".
+    void showStalled(const QString& reason);
+    void closeWindow() { close(); }
+
+    float progress() const { return m_progress; }
+    QString typeText() const;
+    QString pathText() const;
+    QLabel* cancelNote() const { return m_cancelNote; }
+    QPushButton* cancelButton() const { return m_cancelButton; }
+
+signals:
+    void cancelWipeButtonAction();
+
+private:
+    float m_progress = 0;
+    bool m_stalled = false;
+    QLabel* m_typeLabel;
+    QProgressBar* m_bar;
+    QLabel* m_pathLabel;
+    QLabel* m_cancelNote;
+    QPushButton* m_cancelButton;
+};
+
+}  // namespace velmora

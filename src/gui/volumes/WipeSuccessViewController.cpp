@@ -1,0 +1,18 @@
+#include "gui/volumes/WipeSuccessViewController.h"
+
+#include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/PanelContent.h"
+
+#include <QVBoxLayout>
+
+namespace velmora {
+
+WipeSuccessViewController::WipeSuccessViewController(const QString& text, QWidget* parent)
+    : MAAttachedWindow(parent, {460, 200}), m_okButton(ImageSetButton::primary("OK", this)) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    QVBoxLayout* layout = PanelContent::addMessage(this, "ic_success", "Erasure completed", text);
+    PanelContent::addButtons(layout, {m_okButton});
+    connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
+}
+
+}  // namespace velmora

@@ -1,0 +1,280 @@
+// The disk-wipe page on real volumes: a small ext4 file system on a loop
+// device is listed, chosen and (in free-space mode) wiped through the page.
+#include "LoopMount.h"
+#include "erasepage/PanelScreenshot.h"
+#include "TempDataDir.h"
+#include "engine/erase/EraserLevel.h"
+#include "engine/erase/PublicUtilities.h"
+#include "engine/history/DoDataBase.h"
+#include "engine/volumes/FreeSpaceWipe.h"
+#include "engine/volumes/VolumeScanner.h"
+#include "gui/app/MainWindowController.h"
+#include "gui/volumes/MakeSureWipeDiskViewController.h"
+#include "gui/volumes/MakeSureWipeFreeSpaceViewController.h"
+#include "gui/volumes/NTFSViewController.h"
+#include "gui/volumes/SystemEraserViewController.h"
+#include "gui/volumes/VolumeTableModel.h"
+#include "gui/volumes/WipeDiskViewController.h"
+#include "gui/volumes/WipeFreeSpaceProViewController.h"
+#include "gui/volumes/WipeSuccessViewController.h"
+#include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/MLCircularIndicator.h"
+#include "gui/widgets/PanelContent.h"
+#include "gui/widgets/SidebarButton.h"
+#include "gui/widgets/Style.h"
+#include "gui/erase/FileEraserTableModel.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPushButton>
+#include <QStorageInfo>
+#include <QTableView>
+#include <QTest>
+#include <memory>
+
+using namespace velmora;
+
+namespace {
+
+constexpr const char* kLabel = "VELPAGE";
+
+// Serves the event loop until the condition holds; false after the timeout.
+bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 60000) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        if (clock.hasExpired(timeoutMs)) return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(5);
+    }
+    return true;
+}
+
+// Serves the event loop for a while (animations, deferred deletes).
+void serveEventsFor(int ms) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!clock.hasExpired(ms)) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+int rowOfDevice(const WipeDiskViewController* page, const QString& device) {
+    for (int row = 0; row < page->allVolumeArr().size(); ++row)
+        if (page->allVolumeArr().at(row).volumePath == device) return row;
+    return -1;
+}
+
+QString cell(const WipeDiskViewController* page, int row, int column, int role = Qt::DisplayRole) {
+    return page->tableView()->model()->index(row, column).data(role).toString();
+}
+
+void clickRow(WipeDiskViewController* page, int row) {
+    QTableView* table = page->tableView();
+    table->scrollTo(table->model()->index(row, VolumeTableModel::Name));
+    const QRect rect = table->visualRect(table->model()->index(row, VolumeTableModel::Name));
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, rect.center());
+}
+
+}  // namespace
+
+class WipeDiskPageTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        QFont font = QApplication::font();
+        font.setPointSize(12);
+        QApplication::setFont(font);
+        Style::apply(*qApp);
+        EraserLevel::store(1);
+    }
+
+    void init() {
+        if (geteuid() != 0) QSKIP("SKIPPED: needs root to attach and mount loop devices");
+        if (!QFileInfo::exists("/dev/loop-control")) QSKIP("SKIPPED: no /dev/loop-control");
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_volume = std::make_unique<LoopMount>(m_folder->path(), kLabel, 64);
+        QVERIFY2(m_volume->isReady(), qPrintable(m_volume->error()));
+        PublicUtilities::writeUpDataHistoryStr(DoDataBase::kWipeVolumeHistory, "0");
+        m_window = std::make_unique<MainWindowController>();
+        m_window->show();
+        m_page = qobject_cast<WipeDiskViewController*>(m_window->allBaseViewArr().at(1));
+        QVERIFY(m_page);
+    }
+
+    void cleanup() {
+        m_window.reset();
+        m_volume.reset();
+        m_folder.reset();
+    }
+
+    // Switching to the page scans; the loop volume shows with its name, type
+    // and sizes. The other mode switches in place and keeps the list.
+    void listsTheLoopVolumeInBothModes() {
+        m_window->mouseClickAction(1);
+        QVERIFY(m_page->busyIndicator()->isVisible() || rowOfDevice(m_page, m_volume->device()) >= 0);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0; }));
+        QVERIFY(waitUntil([this] { return !m_page->busyIndicator()->isVisible(); }));
+        QCOMPARE(m_page->selectEraserType(), 2);
+        QCOMPARE(m_page->titleLabel()->text(), QString("Erase Hard Drive"));
+
+        const int row = rowOfDevice(m_page, m_volume->device());
+        const QStorageInfo storage(m_volume->mountPoint());
+        QCOMPARE(cell(m_page, row, VolumeTableModel::Name), QString(kLabel));
+        QCOMPARE(cell(m_page, row, VolumeTableModel::Type), QString("ext4"));
+        QCOMPARE(cell(m_page, row, VolumeTableModel::TotalSize), QString("67.11 MB"));
+        const qint64 free = m_page->allVolumeArr().at(row).volumeFreeSizeNum;
+        QVERIFY(qAbs(free - storage.bytesFree()) < (1 << 20));
+        QCOMPARE(cell(m_page, row, VolumeTableModel::FreeSize), VolumeScanner::byteToSizeWithByte(free));
+        QCOMPARE(cell(m_page, row, VolumeTableModel::CheckBox, FileEraserTableModel::ImageRole),
+                 QString("radiobutton_no"));
+        serveEventsFor(600);  // the pages' slide ends
+        QVERIFY(saveScreenshot(m_window.get(), "wipe_page_erase_hard_drive"));
+
+        const int listed = int(m_page->allVolumeArr().size());
+        m_window->mouseClickAction(2);
+        QCOMPARE(m_page->selectEraserType(), 1);
+        QCOMPARE(m_page->titleLabel()->text(), QString("Erase Free Space"));
+        QVERIFY(m_page->isVisible());
+        QCOMPARE(int(m_page->allVolumeArr().size()), listed);
+        clickRow(m_page, row);
+        QVERIFY(saveScreenshot(m_window.get(), "wipe_page_erase_free_space"));
+    }
+
+    // Nothing chosen: no button. A click chooses the row; a rescan clears and
+    // re-applies the choice by its index; an unmount rescans, and an index no
+    // longer inside the list leaves the button disabled.
+    void selectionTextAndButtonRules() {
+        m_window->mouseClickAction(2);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(!m_page->wipeButton()->isEnabled());
+        QVERIFY(m_page->selectedLabel()->text().isEmpty());
+
+        const int row = rowOfDevice(m_page, m_volume->device());
+        clickRow(m_page, row);
+        QCOMPARE(m_page->selectIndex(), row);
+        QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
+        QVERIFY(m_page->wipeButton()->isEnabled());
+        for (int other = 0; other < m_page->allVolumeArr().size(); ++other)
+            QCOMPARE(cell(m_page, other, VolumeTableModel::CheckBox, FileEraserTableModel::ImageRole),
+                     QString(other == row ? "radiobutton_sel" : "radiobutton_no"));
+
+        m_page->getallVolumes();
+        QVERIFY(!m_page->wipeButton()->isEnabled());
+        QVERIFY(m_page->selectedLabel()->text().isEmpty());
+        QVERIFY(waitUntil([this] { return !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(m_page->wipeButton()->isEnabled());
+        QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
+
+        m_volume->unmount();
+        QVERIFY(waitUntil([this] {
+            return rowOfDevice(m_page, m_volume->device()) < 0 && !m_page->busyIndicator()->isVisible();
+        }));
+        const bool inside = m_page->selectIndex() < m_page->allVolumeArr().size();
+        QCOMPARE(m_page->wipeButton()->isEnabled(), inside);
+        if (inside)
+            QCOMPARE(m_page->selectedLabel()->text(),
+                     "You have selected: " + m_page->allVolumeArr().at(m_page->selectIndex()).volumeName);
+        else
+            QVERIFY(m_page->selectedLabel()->text().isEmpty());
+    }
+
+    // "Erase Now" on the startup volume in whole-drive mode only shows its
+    // notice: no confirmation, nothing runs.
+    void startupVolumeIsRefusedForWholeDriveErase() {
+        m_window->mouseClickAction(1);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        int startupRow = -1;
+        for (int row = 0; row < m_page->allVolumeArr().size(); ++row)
+            if (m_page->allVolumeArr().at(row).volumeMountPoint == "/") startupRow = row;
+        if (startupRow < 0) QSKIP("SKIPPED: the system root is not mounted from a block device here, so it is not listed");
+        QCOMPARE(VolumeTableModel::iconName(m_page->allVolumeArr().at(startupRow)),
+                 QString(m_page->allVolumeArr().at(startupRow).bCanEject ? "ic_usb" : "ic_os"));
+
+        clickRow(m_page, startupRow);
+        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
+        QVERIFY(qobject_cast<SystemEraserViewController*>(m_page->noticePanel()));
+        QVERIFY(m_page->noticePanel()->isVisible());
+        QVERIFY(!m_page->makeSureDiskPanel());
+        QVERIFY(!m_page->progressPanel());
+        const QString message = m_page->noticePanel()->messageLabel()->text();
+        QVERIFY(message.contains("<b>Erase Files</b>") && message.contains("<b>Erase Free Space</b>"));
+        QVERIFY(message.contains("check full guide &gt;&gt;") || message.contains("check full guide >>"));
+        QVERIFY(saveScreenshotWith(m_window.get(), m_page->noticePanel(), "wipe_page_startup_volume_notice"));
+        QTest::mouseClick(m_page->noticePanel()->okButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return !m_page->noticePanel(); }, 2000));
+
+        // The same volume in free-space mode goes to the confirmation instead.
+        m_window->mouseClickAction(2);
+        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
+        QVERIFY(m_page->makeSureFreeSpacePanel());
+        QTest::mouseClick(m_page->makeSureFreeSpacePanel()->cancelButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return !m_page->makeSureFreeSpacePanel(); }, 2000));
+        QVERIFY(!m_page->progressPanel());
+    }
+
+    // A free-space wipe through the page: confirmation, progress with the
+    // sidebar locked, the success view, the history record and flag, and the
+    // volume's own files kept.
+    void freeSpaceWipeRunsToItsSuccessView() {
+        QFile kept(m_volume->mountPoint() + "/kept.txt");
+        QVERIFY(kept.open(QIODevice::WriteOnly));
+        kept.write("still here");
+        kept.close();
+
+        m_window->mouseClickAction(2);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        serveEventsFor(600);
+        clickRow(m_page, rowOfDevice(m_page, m_volume->device()));
+        QCOMPARE(m_page->historyButton()->imageName(), QString("ic_nohistory"));
+        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
+        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
+        QVERIFY(confirm && confirm->isVisible());
+        QVERIFY(PanelContent::messageLabel(confirm)->isVisible());
+        QVERIFY(saveScreenshotWith(m_window.get(), confirm, "wipe_page_free_space_confirmation"));
+
+        bool shotProgress = false;
+        bool sidebarLockedDuringRun = false;
+        connect(m_page->freeSpaceWipe(), &FreeSpaceWipe::setRemoveProgress, this, [&] {
+            if (shotProgress || !m_page->progressPanel()) return;
+            shotProgress = saveScreenshotWith(m_window.get(), m_page->progressPanel(), "wipe_page_free_space_progress");
+            sidebarLockedDuringRun = !m_window->allTypeButArr().at(0)->isEnabled();
+        });
+        QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
+        QVERIFY(m_page->progressPanel());
+        QCOMPARE(m_page->progressPanel()->typeText(), EraserLevel::displayName(1));
+        QVERIFY(!m_window->allTypeButArr().at(7)->isEnabled());
+
+        QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 240000));
+        QVERIFY2(m_page->successPanel(), "the run ended in the failure view");
+        QVERIFY(shotProgress);
+        QVERIFY(sidebarLockedDuringRun);
+        QVERIFY(!m_page->progressPanel() || !m_page->progressPanel()->isVisible());
+        QCOMPARE(PanelContent::messageLabel(m_page->successPanel())->text(),
+                 QString("The deleted/lost data on the hard drive has been successfully erased."));
+        QVERIFY(m_window->allTypeButArr().at(0)->isEnabled());
+        QVERIFY(saveScreenshotWith(m_window.get(), m_page->successPanel(), "wipe_page_free_space_success"));
+
+        bool recorded = false;
+        const HistoryDic history = DoDataBase::returnDoDataBase()->getAllDataWithKey(DoDataBase::kWipeVolume);
+        for (const HistoryRows& rows : history)
+            for (const HistoryRow& row : rows)
+                recorded |= row.value("Items") == QString("Erase Free Space:%1").arg(kLabel) &&
+                            row.value("Result") == "Erased";
+        QVERIFY2(recorded, "no history row for the wipe");
+        QCOMPARE(m_page->historyButton()->imageName(), QString("ic_history"));
+        QVERIFY(QFileInfo::exists(m_volume->mountPoint() + "/kept.txt"));
+        QVERIFY(!QFileInfo::exists(m_volume->mountPoint() + "/.Velmora"));
+        QTest::mouseClick(m_page->successPanel()->okButton(), Qt::LeftButton);
+    }
+
+private:
+    TempDataDir m_data;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<LoopMount> m_volume;
+    std::unique_ptr<MainWindowController> m_window;
+    WipeDiskViewController* m_page = nullptr;
+};
+
+QTEST_MAIN(WipeDiskPageTest)
+#include "wipe_disk_page_test.moc"
