@@ -80,16 +80,13 @@ public:
     void showEndEraser();
 
     bool isCancelEraser() const { return m_isCancelEraser; }
-    bool isRounding() const { return m_isRounding; }
     int iRoundTimes() const { return m_iRoundTimes; }
-    int times() const { return m_times; }
     bool isBegin() const { return m_isBegin; }
     void setIsBegin(bool isBegin) { m_isBegin = isBegin; }
     // Clears isRounding and iRoundTimes (the whole-drive erase does so before its fill).
     void resetRounds();
     QString errorString() const { return m_errorString; }
     QString wipeScanPathStr() const { return m_wipeScanPathStr; }
-    bool isWorkerRunning() const { return m_worker.isRunning(); }
 
 signals:
     // Status text and percentage for the progress view (which shows at least 2%).
