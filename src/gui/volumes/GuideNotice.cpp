@@ -10,7 +10,7 @@
 namespace velmora {
 
 GuideNotice::GuideNotice(const QString& title, const QString& messageHtml, QWidget* parent)
-    : MAAttachedWindow(parent, {470, 230}), m_okButton(ImageSetButton::primary("OK", this)) {
+    : MAAttachedWindow(parent, {480, 280}), m_okButton(ImageSetButton::primary("OK", this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     QVBoxLayout* layout = PanelContent::addMessage(this, "ic_warning", title, QString());
     m_messageLabel = PanelContent::messageLabel(this);
