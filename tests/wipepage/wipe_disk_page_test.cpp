@@ -11,7 +11,6 @@
 #include "gui/app/MainWindowController.h"
 #include "gui/volumes/MakeSureWipeDiskViewController.h"
 #include "gui/volumes/MakeSureWipeFreeSpaceViewController.h"
-#include "gui/volumes/NTFSViewController.h"
 #include "gui/volumes/SystemEraserViewController.h"
 #include "gui/volumes/VolumeTableModel.h"
 #include "gui/volumes/WipeDiskViewController.h"
