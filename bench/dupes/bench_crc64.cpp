@@ -34,13 +34,18 @@ void run(benchmark::State& state, uint64_t (*crc)(const unsigned char*, size_t))
 }
 
 uint64_t ours(const unsigned char* p, size_t n) { return velmora::crc::update(velmora::crc::kInitial, p, n); }
+uint64_t velmoraPclmul(const unsigned char* p, size_t n) {
+    return velmora::crc::updateWithCarrylessMultiply(velmora::crc::kInitial, p, n);
+}
 uint64_t velmoraTable(const unsigned char* p, size_t n) {
     return velmora::crc::updateWithTable(velmora::crc::kInitial, p, n);
 }
 
 void BM_Velmora(benchmark::State& state) { run(state, ours); }
+void BM_VelmoraPclmul128(benchmark::State& state) { run(state, velmoraPclmul); }
 void BM_VelmoraTable(benchmark::State& state) { run(state, velmoraTable); }
 BENCHMARK(BM_Velmora)->Unit(benchmark::kMillisecond)->MinTime(2);
+BENCHMARK(BM_VelmoraPclmul128)->Unit(benchmark::kMillisecond)->MinTime(2);
 BENCHMARK(BM_VelmoraTable)->Unit(benchmark::kMillisecond)->MinTime(2);
 
 #if VELMORA_HAVE_ISAL
@@ -54,9 +59,10 @@ BENCHMARK(BM_IsaL)->Unit(benchmark::kMillisecond)->MinTime(2);
 int main(int argc, char** argv) {
     const std::vector<unsigned char>& data = buffer();
     const uint64_t value = ours(data.data(), data.size());
-    std::printf("carry-less multiply kernel: %s\n", velmora::crc::hasCarrylessMultiply() ? "yes" : "no");
+    std::printf("carry-less multiply kernel: %s, 256-bit: %s\n", velmora::crc::hasCarrylessMultiply() ? "yes" : "no",
+                velmora::crc::hasWideCarrylessMultiply() ? "yes" : "no");
     std::printf("CRC-64 of the buffer: %016llx\n", static_cast<unsigned long long>(value));
-    if (value != velmoraTable(data.data(), data.size())) {
+    if (value != velmoraTable(data.data(), data.size()) || value != velmoraPclmul(data.data(), data.size())) {
         std::printf("MISMATCH between kernels\n");
         return 1;
     }

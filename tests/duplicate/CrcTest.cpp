@@ -59,13 +59,14 @@ TEST(Crc64, ChainedEqualsOneShot) {
 
 TEST(Crc64, CarrylessMultiplyEqualsTableForEveryLength) {
     if (!crc::hasCarrylessMultiply()) GTEST_SKIP() << "no carry-less multiply on this processor";
-    const QByteArray data = test::randomBytes(4096 + 16, 11);
+    const QByteArray data = test::randomBytes(4096 + 32, 11);
     std::mt19937_64 generator(5);
     for (size_t length = 0; length <= 4096; ++length) {
         const uint64_t start = generator();
-        const char* p = data.constData() + length % 16;  // every alignment
-        ASSERT_EQ(crc::updateWithCarrylessMultiply(start, p, length), crc::updateWithTable(start, p, length))
-            << "length " << length;
+        const char* p = data.constData() + length % 32;  // every alignment
+        const uint64_t table = crc::updateWithTable(start, p, length);
+        ASSERT_EQ(crc::updateWithCarrylessMultiply(start, p, length), table) << "length " << length;
+        ASSERT_EQ(crc::updateWithWideCarrylessMultiply(start, p, length), table) << "256-bit, length " << length;
     }
 }
 

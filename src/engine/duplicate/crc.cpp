@@ -17,9 +17,7 @@ uint64_t crc::crc64Buffer(const void* buffer, uint32_t buffSize, bool isHead, ui
 }
 
 uint64_t crc::update(uint64_t reg, const void* data, size_t length) {
-    static const bool useCarrylessMultiply = hasCarrylessMultiply();
-    return useCarrylessMultiply ? updateWithCarrylessMultiply(reg, data, length)
-                                : updateWithTable(reg, data, length);
+    return updateWithWideCarrylessMultiply(reg, data, length);
 }
 
 // Slicing by eight: one 64-bit load and eight lookups advance the register by

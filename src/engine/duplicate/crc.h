@@ -9,9 +9,9 @@ namespace velmora {
 // register starts at all ones and is not inverted at the end. It is the
 // duplicate finder's only content fingerprint.
 //
-// The work is done by a carry-less-multiply kernel (PCLMULQDQ on x86-64,
-// PMULL on ARMv8) when the processor has one, else by tables; both give the
-// same value for every input.
+// The work is done by a carry-less-multiply kernel (PCLMULQDQ, or its
+// 256-bit form VPCLMULQDQ, on x86-64; PMULL on ARMv8) when the processor has
+// one, else by tables; all give the same value for every input.
 class crc {
 public:
     static constexpr uint64_t kInitial = ~uint64_t{0};
@@ -27,10 +27,13 @@ public:
     // Advances a register over any length with the fastest kernel available.
     static uint64_t update(uint64_t reg, const void* data, size_t length);
 
-    // The two kernels, exposed so that they can be compared and measured.
+    // The kernels, exposed so that they can be compared and measured. Each
+    // falls back to the next simpler one where the processor lacks it.
     static uint64_t updateWithTable(uint64_t reg, const void* data, size_t length);
     static uint64_t updateWithCarrylessMultiply(uint64_t reg, const void* data, size_t length);
+    static uint64_t updateWithWideCarrylessMultiply(uint64_t reg, const void* data, size_t length);  // x86-64 VPCLMULQDQ
     static bool hasCarrylessMultiply();
+    static bool hasWideCarrylessMultiply();
 };
 
 }  // namespace velmora

@@ -50,6 +50,15 @@ VELMORA_CLMUL_TARGET inline __m128i pack(crc64_tables::FoldConstants k) {
     return _mm_set_epi64x(static_cast<long long>(k.last), static_cast<long long>(k.first));
 }
 
+// Folds the eight lanes onto the last one and finishes with the tail.
+VELMORA_CLMUL_TARGET uint64_t reduceLanes(const __m128i (&lanes)[kLanes], const unsigned char* tail, size_t length) {
+    __m128i last = lanes[kLanes - 1];
+    for (size_t i = 0; i + 1 < kLanes; ++i) last = _mm_xor_si128(last, fold(lanes[i], pack(kFoldLane[i])));
+    unsigned char lane[16];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(lane), last);
+    return finish(lane, tail, length);
+}
+
 VELMORA_CLMUL_TARGET uint64_t foldBlocks(uint64_t reg, const unsigned char* p, size_t length) {
     __m128i lanes[kLanes];
     for (size_t i = 0; i < kLanes; ++i) lanes[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * i));
@@ -62,16 +71,46 @@ VELMORA_CLMUL_TARGET uint64_t foldBlocks(uint64_t reg, const unsigned char* p, s
         for (size_t i = 0; i < kLanes; ++i)
             lanes[i] = _mm_xor_si128(fold(lanes[i], blockConstants),
                                      _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * i)));
+    return reduceLanes(lanes, p, length);
+}
 
-    __m128i last = lanes[kLanes - 1];
-    for (size_t i = 0; i + 1 < kLanes; ++i) last = _mm_xor_si128(last, fold(lanes[i], pack(kFoldLane[i])));
-    unsigned char lane[16];
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(lane), last);
-    return finish(lane, p, length);
+// The same folding with 256-bit registers (VPCLMULQDQ): each register holds
+// two neighbouring lanes, so one instruction folds both.
+#define VELMORA_WIDE_CLMUL_TARGET __attribute__((target("vpclmulqdq,avx2,pclmul,sse4.1")))
+
+VELMORA_WIDE_CLMUL_TARGET inline __m256i foldWide(__m256i lanes, __m256i constants) {
+    return _mm256_xor_si256(_mm256_clmulepi64_epi128(lanes, constants, 0x00),
+                            _mm256_clmulepi64_epi128(lanes, constants, 0x11));
+}
+
+VELMORA_WIDE_CLMUL_TARGET uint64_t foldBlocksWide(uint64_t reg, const unsigned char* p, size_t length) {
+    constexpr size_t kPairs = kLanes / 2;
+    __m256i pairs[kPairs];
+    for (size_t i = 0; i < kPairs; ++i) pairs[i] = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 32 * i));
+    pairs[0] = _mm256_xor_si256(pairs[0], _mm256_set_epi64x(0, 0, 0, static_cast<long long>(reg)));
+    p += kBlock;
+    length -= kBlock;
+
+    const __m256i blockConstants = _mm256_broadcastsi128_si256(pack(kFoldBlock));
+    for (; length >= kBlock; p += kBlock, length -= kBlock)
+        for (size_t i = 0; i < kPairs; ++i)
+            pairs[i] = _mm256_xor_si256(foldWide(pairs[i], blockConstants),
+                                        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 32 * i)));
+
+    __m128i lanes[kLanes];
+    for (size_t i = 0; i < kPairs; ++i) {
+        lanes[2 * i] = _mm256_castsi256_si128(pairs[i]);
+        lanes[2 * i + 1] = _mm256_extracti128_si256(pairs[i], 1);
+    }
+    return reduceLanes(lanes, p, length);
 }
 
 bool detectCarrylessMultiply() {
     return __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("sse4.1");
+}
+
+bool detectWideCarrylessMultiply() {
+    return detectCarrylessMultiply() && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("vpclmulqdq");
 }
 
 #elif defined(__aarch64__)
@@ -136,6 +175,23 @@ uint64_t crc::updateWithCarrylessMultiply(uint64_t reg, const void* data, size_t
     if (length >= 2 * kBlock && hasCarrylessMultiply()) return foldBlocks(reg, p, length);
 #endif
     return updateWithTable(reg, p, length);
+}
+
+bool crc::hasWideCarrylessMultiply() {
+#if defined(__x86_64__) || defined(_M_X64)
+    static const bool available = detectWideCarrylessMultiply();
+    return available;
+#else
+    return false;
+#endif
+}
+
+uint64_t crc::updateWithWideCarrylessMultiply(uint64_t reg, const void* data, size_t length) {
+#if defined(__x86_64__) || defined(_M_X64)
+    if (length >= 2 * kBlock && hasWideCarrylessMultiply())
+        return foldBlocksWide(reg, static_cast<const unsigned char*>(data), length);
+#endif
+    return updateWithCarrylessMultiply(reg, data, length);
 }
 
 }  // namespace velmora
