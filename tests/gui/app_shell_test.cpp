@@ -2,6 +2,7 @@
 #include "engine/erase/EraserLevel.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/app/PlaceholderPage.h"
+#include "gui/volumes/WipeDiskViewController.h"
 #include "gui/erase/SetEraserLevelVC.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/SidebarButton.h"
@@ -9,6 +10,7 @@
 #include "gui/widgets/Style.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QLocalServer>
 #include <QProcess>
 #include <QSignalSpy>
@@ -51,20 +53,21 @@ private slots:
         window.show();
         QWidget* eraseFiles = window.allBaseViewArr().at(0);
         QWidget* diskWipe = window.allBaseViewArr().at(1);
-        auto* diskWipePage = qobject_cast<PlaceholderPage*>(diskWipe);
+        auto* diskWipePage = qobject_cast<WipeDiskViewController*>(diskWipe);
+        QVERIFY(diskWipePage);
 
         window.mouseClickAction(1);  // from "Erase Files": slide
         QCOMPARE(window.indexSelectView(), 1);
         QCOMPARE(diskWipe->y(), MainWindowController::kPageHeight);  // starts below
         QTRY_COMPARE_WITH_TIMEOUT(diskWipe->pos(), QPoint(0, 0), 2000);
         QTRY_VERIFY(!eraseFiles->isVisible());
-        QCOMPARE(diskWipePage->title(), QString("Erase Hard Drive"));
+        QCOMPARE(diskWipePage->titleLabel()->text(), QString("Erase Hard Drive"));
         saveScreenshot(&window, "shell_erase_hard_drive");
 
         window.mouseClickAction(2);  // the other mode of the same page: in place
         QCOMPARE(window.indexSelectView(), 2);
         QCOMPARE(diskWipe->pos(), QPoint(0, 0));
-        QCOMPARE(diskWipePage->title(), QString("Erase Free Space"));
+        QCOMPARE(diskWipePage->titleLabel()->text(), QString("Erase Free Space"));
         QVERIFY(window.allTypeButArr().at(2)->isSelected());
         QVERIFY(!window.allTypeButArr().at(1)->isSelected());
 
