@@ -471,11 +471,8 @@ void FileEraserViewController::revealInFolder(int row) {
 void FileEraserViewController::setButtonAction() { SetEraserLevelVC::showIn(m_levelPanel); }
 
 void FileEraserViewController::historyButtonAction() {
-    auto* history = new HistoryViewController;
-    m_historyPanel->setContent(history);
+    HistoryViewController* history = HistoryViewController::showIn(m_historyPanel);
     connect(history, &HistoryViewController::closeHistoryView, this, &FileEraserViewController::closeHistoryView);
-    history->getEraserHistory();
-    m_historyPanel->slideIn();
 }
 
 void FileEraserViewController::closeHistoryView() {

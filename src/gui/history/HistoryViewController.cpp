@@ -9,6 +9,7 @@
 #include "gui/history/HistoryDeleteTextFieldCell.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/RFOverlayScroller.h"
 #include "gui/widgets/Style.h"
 
@@ -103,6 +104,14 @@ HistoryViewController::HistoryViewController(QWidget* parent)
 
 ExportViewController* HistoryViewController::exportPanel() const { return m_exportPanel; }
 HistoryConfirmViewController* HistoryViewController::confirmPanel() const { return m_confirmPanel; }
+
+HistoryViewController* HistoryViewController::showIn(SlidePanel* container) {
+    auto* history = new HistoryViewController;
+    container->setContent(history);
+    history->getEraserHistory();
+    container->slideIn();
+    return history;
+}
 
 void HistoryViewController::getEraserHistory() {
     m_historyDic = DoDataBase::returnDoDataBase()->getAllData();

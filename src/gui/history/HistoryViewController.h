@@ -15,6 +15,7 @@ namespace velmora {
 
 class ExportViewController;
 class HistoryConfirmViewController;
+class SlidePanel;
 
 // The history side panel: every erasure run, newest first, as an outline of
 // entries and their rows. The selected entry can be exported as an HTML
@@ -23,6 +24,9 @@ class HistoryViewController : public QWidget {
     Q_OBJECT
 public:
     explicit HistoryViewController(QWidget* parent = nullptr);
+    // Opens a fresh, loaded panel in the page's history container and slides it in;
+    // the page connects closeHistoryView to slide it out again.
+    static HistoryViewController* showIn(SlidePanel* container);
 
     // (Re)loads every entry and redraws.
     void getEraserHistory();

@@ -222,11 +222,8 @@ void WipeDiskViewController::updateHistoryButton() {
 void WipeDiskViewController::setButtonAction() { SetEraserLevelVC::showIn(m_levelPanel); }
 
 void WipeDiskViewController::historyButtonAction() {
-    auto* history = new HistoryViewController;
-    m_historyPanel->setContent(history);
+    HistoryViewController* history = HistoryViewController::showIn(m_historyPanel);
     connect(history, &HistoryViewController::closeHistoryView, this, &WipeDiskViewController::closeHistoryView);
-    history->getEraserHistory();
-    m_historyPanel->slideIn();
 }
 
 void WipeDiskViewController::closeHistoryView() {
