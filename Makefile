@@ -4,7 +4,7 @@
 run:
 	scripts/install-deps
 	cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release
-	cmake --build build
+	cmake --build build --target velmora velmora-cli srm velmora-diskutil
 	@if [ -z "$$DISPLAY" ] && [ -z "$$WAYLAND_DISPLAY" ]; then \
 		echo "No display found: starting Velmora Data Eraser under xvfb-run"; \
 		xvfb-run -a build/bin/velmora; \
