@@ -16,16 +16,8 @@ constexpr const char* kUsage = "usage: velmora-cli erase-drive [--yes] VOLUME   
 
 int runEraseDriveCommand(QStringList args) {
     const bool yes = takeFlag(args, "--yes");
-    if (args.size() != 1 || args.first().startsWith("--")) {
-        printErr(kUsage);
-        return 2;
-    }
-    QString error;
-    const std::optional<VolumeObj> volume = volumeForArgument(args.first(), &error);
-    if (!volume) {
-        printErr("velmora-cli: " + error);
-        return 2;
-    }
+    const std::optional<VolumeObj> volume = volumeOperand(args, kUsage);
+    if (!volume) return 2;
 
     FreeSpaceWipe wipe;
     wipe.selectEraserType = 2;

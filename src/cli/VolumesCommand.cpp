@@ -54,7 +54,9 @@ int runVolumesCommand(QStringList args) {
     return 0;
 }
 
-std::optional<VolumeObj> volumeForArgument(const QString& argument, QString* error) {
+// The listed volume an argument names: its mount point, its device node or its
+// name. Empty, with *error set, when none or several match.
+static std::optional<VolumeObj> volumeForArgument(const QString& argument, QString* error) {
     const VolumeList volumes = VolumeScanner().scanAllVolumes();
     if (argument.startsWith('/') || argument.startsWith('.')) {
         const QString path = normalisedPath(argument);
@@ -71,6 +73,17 @@ std::optional<VolumeObj> volumeForArgument(const QString& argument, QString* err
                  ? QString("no volume is named \"%1\" (see velmora-cli volumes)").arg(argument)
                  : QString("%1 volumes are named \"%2\": give its mount point or device instead").arg(named.size()).arg(argument);
     return std::nullopt;
+}
+
+std::optional<VolumeObj> volumeOperand(const QStringList& args, const char* usage) {
+    if (args.size() != 1 || args.first().startsWith("--")) {
+        printErr(usage);
+        return std::nullopt;
+    }
+    QString error;
+    std::optional<VolumeObj> volume = volumeForArgument(args.first(), &error);
+    if (!volume) printErr("velmora-cli: " + error);
+    return volume;
 }
 
 }  // namespace velmora::cli

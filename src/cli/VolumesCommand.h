@@ -10,8 +10,8 @@ namespace velmora::cli {
 // velmora-cli volumes [--json]: the mounted volumes as the erase screens list them.
 int runVolumesCommand(QStringList args);
 
-// The listed volume an argument names: its mount point, its device node or its
-// name. Empty, with *error set, when none or several match.
-std::optional<VolumeObj> volumeForArgument(const QString& argument, QString* error);
+// The one VOLUME operand of a command (its flags already taken out). Prints the
+// usage or the error and answers empty when the arguments name no single volume.
+std::optional<VolumeObj> volumeOperand(const QStringList& args, const char* usage);
 
 }  // namespace velmora::cli

@@ -73,16 +73,8 @@ WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, WholeDriveErase* erase, const Q
 
 int runWipeFreeCommand(QStringList args) {
     const bool yes = takeFlag(args, "--yes");
-    if (args.size() != 1 || args.first().startsWith("--")) {
-        printErr(kUsage);
-        return 2;
-    }
-    QString error;
-    const std::optional<VolumeObj> volume = volumeForArgument(args.first(), &error);
-    if (!volume) {
-        printErr("velmora-cli: " + error);
-        return 2;
-    }
+    const std::optional<VolumeObj> volume = volumeOperand(args, kUsage);
+    if (!volume) return 2;
 
     FreeSpaceWipe wipe;
     wipe.selectEraserType = 1;

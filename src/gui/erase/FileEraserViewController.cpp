@@ -24,7 +24,7 @@
 #include "gui/history/HistoryViewController.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
-#include "gui/widgets/RFOverlayScroller.h"
+#include "gui/widgets/ListTable.h"
 #include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/Style.h"
 
@@ -145,32 +145,14 @@ void FileEraserViewController::createListView() {
     m_tableView = new QTableView(m_listView);
     m_tableView->setModel(m_model);
     m_tableView->setItemDelegate(new FileEraserTableDelegate(m_tableView));
-    m_tableView->setShowGrid(false);
     m_tableView->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_tableView->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_tableView->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_tableView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_tableView->setFocusPolicy(Qt::NoFocus);
-    m_tableView->setMouseTracking(true);
-    m_tableView->viewport()->setAttribute(Qt::WA_Hover);
-    m_tableView->verticalHeader()->hide();
-    m_tableView->verticalHeader()->setDefaultSectionSize(36);
     m_tableView->setContextMenuPolicy(Qt::CustomContextMenu);
-    RFOverlayScroller::apply(m_tableView);
+    QList<int> columnWidths;
+    for (int column = 0; column < FileEraserTableModel::ColumnCount; ++column)
+        columnWidths.append(FileEraserTableModel::columnWidth(column));
+    applyListTableLook(m_tableView, 36, columnWidths);
     QHeaderView* header = m_tableView->horizontalHeader();
-    header->setFixedHeight(30);
-    header->setSectionsClickable(false);
-    header->setHighlightSections(false);
-    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    header->setFont(Style::regularFont(12));
-    header->setMinimumSectionSize(20);
-    for (int column = 0; column < FileEraserTableModel::ColumnCount; ++column) {
-        header->setSectionResizeMode(column, QHeaderView::Fixed);
-        header->resizeSection(column, FileEraserTableModel::columnWidth(column));
-    }
-    m_tableView->setStyleSheet("QTableView { background: transparent; }"
-                               "QHeaderView { background: transparent; border-bottom: 1px solid rgba(255,255,255,30); }"
-                               "QHeaderView::section { padding-left: 6px; }");
     connect(m_tableView, &QTableView::clicked, this, [this](const QModelIndex& index) {
         if (index.column() == FileEraserTableModel::CheckBox) selectListButton(index.row());
         if (index.column() == FileEraserTableModel::Search) openFileButton(index.row());

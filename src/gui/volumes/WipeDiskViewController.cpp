@@ -22,8 +22,8 @@
 #include "gui/volumes/WipeSuccessViewController.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/ListTable.h"
 #include "gui/widgets/MLCircularIndicator.h"
-#include "gui/widgets/RFOverlayScroller.h"
 #include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/Style.h"
 
@@ -111,30 +111,11 @@ void WipeDiskViewController::createTable() {
     m_tableView->setGeometry(kMargin, kTableTop, width() - 2 * kMargin, kTableHeight);
     m_tableView->setModel(m_model);
     m_tableView->setItemDelegate(new FileEraserTableDelegate(m_tableView));
-    m_tableView->setShowGrid(false);
     m_tableView->setSelectionMode(QAbstractItemView::NoSelection);
-    m_tableView->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_tableView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_tableView->setFocusPolicy(Qt::NoFocus);
-    m_tableView->setMouseTracking(true);
-    m_tableView->viewport()->setAttribute(Qt::WA_Hover);
-    m_tableView->verticalHeader()->hide();
-    m_tableView->verticalHeader()->setDefaultSectionSize(44);
-    RFOverlayScroller::apply(m_tableView);
-    QHeaderView* header = m_tableView->horizontalHeader();
-    header->setFixedHeight(30);
-    header->setSectionsClickable(false);
-    header->setHighlightSections(false);
-    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    header->setFont(Style::regularFont(12));
-    header->setMinimumSectionSize(20);
-    for (int column = 0; column < VolumeTableModel::ColumnCount; ++column) {
-        header->setSectionResizeMode(column, QHeaderView::Fixed);
-        header->resizeSection(column, VolumeTableModel::columnWidth(column));
-    }
-    m_tableView->setStyleSheet("QTableView { background: transparent; border: none; }"
-                               "QHeaderView { background: transparent; border-bottom: 1px solid rgba(255,255,255,30); }"
-                               "QHeaderView::section { padding-left: 6px; }");
+    QList<int> columnWidths;
+    for (int column = 0; column < VolumeTableModel::ColumnCount; ++column)
+        columnWidths.append(VolumeTableModel::columnWidth(column));
+    applyListTableLook(m_tableView, 44, columnWidths);
     // A click anywhere on a row chooses its volume.
     connect(m_tableView, &QTableView::clicked, this,
             [this](const QModelIndex& index) { selectVolumeButton(index.row()); });
