@@ -36,6 +36,7 @@ struct VolumeObj {
     QString volRootDir;          // device node: the target of disk-utility commands
     QString BusProtocol;
     QString parentWholeDisk;     // "ParentWholeDisk" (disk tool's scan)
+    quint64 deviceNumber = 0;    // st_dev of the mounted file system; with the device node and UUID it pins the volume
 };
 
 using VolumeList = QList<VolumeObj>;
