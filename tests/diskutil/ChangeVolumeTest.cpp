@@ -1,6 +1,6 @@
 // rename, reformat, eraseVolume and eject on loop volumes, checked with blkid and mountinfo.
 #include "diskutil/DiskUtilTestSupport.h"
-#include "diskutil/LoopVolume.h"
+#include "support/LoopVolume.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -44,9 +44,6 @@ std::vector<std::string> stringsOf(plist_t array);
 // What blkid reads from the device itself: TYPE, LABEL, UUID, VERSION.
 std::string blkidValue(const std::string& node, const std::string& tag);
 
-// Mount points of the device in /proc/self/mountinfo, matched by device number.
-std::vector<std::string> mountPointsOf(const std::string& node);
-
 bool programInstalled(const std::string& name);
 
 }  // namespace velmora::test

@@ -1,7 +1,7 @@
 // Failures: the error dictionary {Error, ErrorMessage, ExitCode} and a non-zero exit,
 // and a volume left as it was when an erase cannot go ahead.
 #include "diskutil/DiskUtilTestSupport.h"
-#include "diskutil/LoopVolume.h"
+#include "support/LoopVolume.h"
 
 #include <cstring>
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 // info -plist and list -plist on mounted loop volumes.
 #include "diskutil/DiskUtilTestSupport.h"
-#include "diskutil/LoopVolume.h"
+#include "support/LoopVolume.h"
 
 #include <algorithm>
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 // The bytes each pass leaves on disk, read back through the tool's stop-after-pass hook.
 
-#include "srm/ChildProcess.h"
-#include "srm/TestFiles.h"
+#include "support/ChildProcess.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 

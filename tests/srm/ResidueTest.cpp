@@ -1,9 +1,9 @@
 // The truth test: after the tool erased a folder on a real file system, its files'
 // unique marker must be nowhere in the raw image.
 
-#include "srm/ChildProcess.h"
-#include "srm/LoopMount.h"
-#include "srm/TestFiles.h"
+#include "support/ChildProcess.h"
+#include "support/LoopVolume.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -15,14 +15,6 @@
 
 namespace velmora::test {
 namespace {
-
-std::size_t occurrences(const std::string& haystack, const std::string& needle)
-{
-    std::size_t count = 0;
-    for (std::size_t at = haystack.find(needle); at != std::string::npos; at = haystack.find(needle, at + 1))
-        ++count;
-    return count;
-}
 
 void writeSynced(const std::string& path, const std::string& content)
 {
@@ -46,30 +38,30 @@ class SrmResidue : public ::testing::TestWithParam<std::tuple<std::string, std::
 TEST_P(SrmResidue, MarkerIsNowhereInTheRawImageAfterErasure)
 {
     const auto& [fileSystem, options] = GetParam();
-    TempDir work;
-    LoopMount volume(work.path(), fileSystem);
-    if (!volume.problem().empty())
-        GTEST_SKIP() << "SKIPPED " << fileSystem << ": " << volume.problem();
+    LoopVolume volume;
+    std::string mountPoint;
+    if (const std::string problem = volume.formatAndMount(fileSystem, "residue", mountPoint); !problem.empty())
+        GTEST_SKIP() << "SKIPPED " << fileSystem << ": " << problem;
 
     const std::string marker = uniqueMarker();
-    const std::string secret = volume.mountPoint() + "/secret";
+    const std::string secret = mountPoint + "/secret";
     ASSERT_EQ(mkdir(secret.c_str(), 0755), 0);
     ASSERT_EQ(mkdir((secret + "/deeper").c_str(), 0755), 0);
     writeSynced(secret + "/plan.txt", repeated(marker, 300'000));
     writeSynced(secret + "/deeper/notes.txt", repeated(marker, 5'000));
 
     // Control: the marker really reached the device, so its absence later means something.
-    ASSERT_TRUE(volume.unmount()) << volume.problem();
-    ASSERT_GT(occurrences(volume.imageContent(), marker), 0u) << "the marker never reached the image";
-    ASSERT_TRUE(volume.mount()) << volume.problem();
+    ASSERT_TRUE(volume.unmountAll());
+    ASSERT_GT(volume.countInImage(marker), 0) << "the marker never reached the image";
+    ASSERT_EQ(volume.mount(fileSystem, "residue"), mountPoint);
 
     const ProcessResult run = runSrm({options, secret});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_TRUE(run.err.empty()) << run.err;
     EXPECT_FALSE(exists(secret));
 
-    ASSERT_TRUE(volume.unmount()) << volume.problem();
-    EXPECT_EQ(occurrences(volume.imageContent(), marker), 0u)
+    ASSERT_TRUE(volume.unmountAll());
+    EXPECT_EQ(volume.countInImage(marker), 0)
         << "the marker survived " << options << " on " << fileSystem;
 }
 

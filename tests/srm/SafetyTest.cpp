@@ -1,8 +1,8 @@
 // What the tool must never do: follow links, change hard-linked data, hang on special
 // files or unread output, or report success after a failure.
 
-#include "srm/ChildProcess.h"
-#include "srm/TestFiles.h"
+#include "support/ChildProcess.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,8 @@
 // The volume engine and velmora-cli on real file systems over loop devices:
 // discovery, mount notifications, and the residue check of both wipes (a
 // deleted file's unique marker must be nowhere in the raw image afterwards).
-#include "LoopVolume.h"
+#include "VolumeTestSupport.h"
+#include "support/LoopVolume.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/platform/NotificationCenter.h"
 #include "engine/volumes/DiskMedium.h"
@@ -58,14 +59,22 @@ protected:
         return true;
     }
 
+    // Formats and mounts a loop volume; fails the test when that cannot be done.
+    static void mountLoopVolume(LoopVolume& volume, const QString& type, const QString& label, QString& mountPoint) {
+        std::string point;
+        ASSERT_EQ(volume.formatAndMount(type.toStdString(), label.toStdString(), point), "");
+        mountPoint = QString::fromStdString(point);
+    }
+
     TempDataDir m_data;
-    QTemporaryDir m_folder;
 };
 
 TEST_F(LoopVolumeTest, ScansListTheMountedLoopVolume) {
-    SKIP_UNLESS_ROOT_WITH_LOOP_DEVICES();
-    LoopVolume volume(m_folder.path(), "ext4", "VELSCAN", 48);
-    ASSERT_TRUE(volume.isReady()) << volume.error().toStdString();
+    if (const std::string why = loopDevicesUnavailable(); !why.empty()) GTEST_SKIP() << why;
+    LoopVolume volume(48);
+    QString mountPoint;
+    mountLoopVolume(volume, "ext4", "VELSCAN", mountPoint);
+    const QString device = QString::fromStdString(volume.node());
 
     // The list is emptied at once and filled in the background; a second request
     // while the scan runs is ignored.
@@ -84,11 +93,11 @@ TEST_F(LoopVolumeTest, ScansListTheMountedLoopVolume) {
     EXPECT_EQ(began, 1);
     VolumeObj found;
     for (const VolumeObj& record : scanner.allVolumeArr())
-        if (record.volumePath == volume.device()) found = record;
+        if (record.volumePath == device) found = record;
     EXPECT_EQ(found.volumeName, "VELSCAN");
     EXPECT_EQ(found.volumeType, "ext4");
-    EXPECT_EQ(found.volumeMountPoint, volume.mountPoint());
-    EXPECT_EQ(found.volRootDir, volume.device());
+    EXPECT_EQ(found.volumeMountPoint, mountPoint);
+    EXPECT_EQ(found.volRootDir, device);
     EXPECT_EQ(found.volumeTotalSizeNum, 48 << 20);
     EXPECT_GT(found.volumeFreeSizeNum, 30 << 20);
     EXPECT_LT(found.volumeFreeSizeNum, 48 << 20);
@@ -97,9 +106,9 @@ TEST_F(LoopVolumeTest, ScansListTheMountedLoopVolume) {
     ASSERT_EQ(cli({"volumes", "--json"}, &output), 0) << output.toStdString();
     QJsonObject listed;
     for (const QJsonValue& entry : QJsonDocument::fromJson(output).array())
-        if (entry["device"].toString() == volume.device()) listed = entry.toObject();
+        if (entry["device"].toString() == device) listed = entry.toObject();
     EXPECT_EQ(listed["name"].toString(), "VELSCAN");
-    EXPECT_EQ(listed["mountPoint"].toString(), volume.mountPoint());
+    EXPECT_EQ(listed["mountPoint"].toString(), mountPoint);
     EXPECT_EQ(listed["fileSystem"].toString(), "ext4");
     EXPECT_EQ(listed["totalBytes"].toInteger(), 48 << 20);
     EXPECT_GT(listed["freeBytes"].toInteger(), 30 << 20);
@@ -108,42 +117,44 @@ TEST_F(LoopVolumeTest, ScansListTheMountedLoopVolume) {
     FileManagerVolumeScan picker;
     picker.doGetAllVolume();
     const auto byPath = std::find_if(picker.allVolumeArr().cbegin(), picker.allVolumeArr().cend(),
-                                     [&](const VolumeObj& record) { return record.volumePath == volume.mountPoint(); });
+                                     [&](const VolumeObj& record) { return record.volumePath == mountPoint; });
     ASSERT_NE(byPath, picker.allVolumeArr().cend());
     EXPECT_EQ(byPath->volumeType, "ext4");
-    EXPECT_EQ(byPath->volumeTotalSizeNum, QStorageInfo(volume.mountPoint()).bytesTotal());
+    EXPECT_EQ(byPath->volumeTotalSizeNum, QStorageInfo(mountPoint).bytesTotal());
 
     // The loop device's own rotational flag decides the solid-state test.
-    QFile rotational("/sys/block/" + QFileInfo(volume.device()).fileName() + "/queue/rotational");
+    QFile rotational("/sys/block/" + QFileInfo(device).fileName() + "/queue/rotational");
     ASSERT_TRUE(rotational.open(QIODevice::ReadOnly));
-    EXPECT_EQ(isSolidState(volume.mountPoint() + "/lost+found"), rotational.readAll().trimmed() == "0");
+    EXPECT_EQ(isSolidState(mountPoint + "/lost+found"), rotational.readAll().trimmed() == "0");
 }
 
 TEST_F(LoopVolumeTest, MountsAndUnmountsAreRepostedAndFollowedByThePicker) {
-    SKIP_UNLESS_ROOT_WITH_LOOP_DEVICES();
-    LoopVolume volume(m_folder.path(), "ext4", "VELWATCH", 16);
-    ASSERT_TRUE(volume.isReady()) << volume.error().toStdString();
-    volume.unmount();
+    if (const std::string why = loopDevicesUnavailable(); !why.empty()) GTEST_SKIP() << why;
+    LoopVolume volume(16);
+    QString mountPoint;
+    mountLoopVolume(volume, "ext4", "VELWATCH", mountPoint);
+    const QString device = QString::fromStdString(volume.node());
+    ASSERT_TRUE(volume.unmountAll());
 
     WatchMountUnmount watcher;
     FileManagerVolumeScan picker;
     picker.getDiskCallBack();
     const auto pickerHasVolume = [&] {
         return std::any_of(picker.allVolumeArr().cbegin(), picker.allVolumeArr().cend(),
-                           [&](const VolumeObj& record) { return record.volumePath == volume.device(); });
+                           [&](const VolumeObj& record) { return record.volumePath == device; });
     };
     QStringList posted;
     QObject::connect(NotificationCenter::defaultCenter(), &NotificationCenter::posted, &picker,
                      [&](const QString& name, const QVariant& info) {
-                         if (info.toMap().value("NSDevicePath") == volume.mountPoint()) posted.append(name);
+                         if (info.toMap().value("NSDevicePath") == mountPoint) posted.append(name);
                      });
     // The notification comes at once; the picker's record after its background query.
-    ASSERT_TRUE(volume.mount());
+    ASSERT_EQ(volume.mount("ext4", "VELWATCH"), mountPoint.toStdString());
     EXPECT_TRUE(waitUntil([&] { return posted.size() == 1 && pickerHasVolume(); }));
     EXPECT_EQ(posted, QStringList{"MCVolumeMount"});
     EXPECT_TRUE(pickerHasVolume());
 
-    volume.unmount();
+    ASSERT_TRUE(volume.unmountAll());
     EXPECT_TRUE(waitUntil([&] { return posted.size() == 2 && !pickerHasVolume(); }));
     EXPECT_EQ(posted, QStringList({"MCVolumeMount", "MCVolumeUnmount"}));
     EXPECT_FALSE(pickerHasVolume());
@@ -154,26 +165,28 @@ TEST_F(LoopVolumeTest, MountsAndUnmountsAreRepostedAndFollowedByThePicker) {
 class WipeFreeTest : public LoopVolumeTest, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(WipeFreeTest, DeletedMarkerIsGoneFromTheRawImageAndKeptFilesStay) {
-    SKIP_UNLESS_ROOT_WITH_LOOP_DEVICES();
+    if (const std::string why = loopDevicesUnavailable(); !why.empty()) GTEST_SKIP() << why;
     const QString type = GetParam();
-    LoopVolume volume(m_folder.path(), type, type == "ext4" ? "VELEXT" : "VELFAT", 64);
-    if (type == "vfat" && volume.error().startsWith("mount:"))
-        GTEST_SKIP() << "SKIPPED: FAT32 cannot be mounted here (no kernel vfat, no usable fusefat): "
-                     << volume.error().toStdString();
-    ASSERT_TRUE(volume.isReady()) << volume.error().toStdString();
-    const QString kept = volume.mountPoint() + "/kept.txt";
+    LoopVolume volume(64);
+    std::string point;
+    const std::string problem = volume.formatAndMount(type.toStdString(), type == "ext4" ? "VELEXT" : "VELFAT", point);
+    if (type == "vfat" && !problem.empty())
+        GTEST_SKIP() << "SKIPPED: FAT32 cannot be mounted here (no kernel vfat, no usable fusefat): " << problem;
+    ASSERT_EQ(problem, "");
+    const QString mountPoint = QString::fromStdString(point);
+    const QString kept = mountPoint + "/kept.txt";
     {
         QFile file(kept);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write("still here\n");
     }
     const QByteArray marker = uniqueMarker();
-    writeAndDeleteMarkerFile(volume.mountPoint() + "/secret.txt", marker);
-    ASSERT_GT(countInFile(volume.image(), marker), 0) << "the marker never reached the image";
+    writeAndDeleteMarkerFile(mountPoint + "/secret.txt", marker);
+    ASSERT_GT(volume.countInImage(marker.toStdString()), 0) << "the marker never reached the image";
 
     QByteArray output;
-    EXPECT_EQ(cli({"wipe-free", "--yes", volume.mountPoint()}, &output), 0) << output.toStdString();
-    EXPECT_FALSE(QFileInfo::exists(volume.mountPoint() + "/.Velmora"));
+    EXPECT_EQ(cli({"wipe-free", "--yes", mountPoint}, &output), 0) << output.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(mountPoint + "/.Velmora"));
     QFile file(kept);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), "still here\n");
@@ -181,41 +194,43 @@ TEST_P(WipeFreeTest, DeletedMarkerIsGoneFromTheRawImageAndKeptFilesStay) {
     const QString name = type == "ext4" ? "VELEXT" : "VELFAT";
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Free Space:" + name + "|Erased"});
 
-    volume.unmount();
-    EXPECT_EQ(countInFile(volume.image(), marker), 0);
+    ASSERT_TRUE(volume.unmountAll());
+    EXPECT_EQ(volume.countInImage(marker.toStdString()), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(LoopVolumes, WipeFreeTest, ::testing::Values("vfat", "ext4"));
 
 TEST_F(LoopVolumeTest, EraseDriveRemovesEveryFileAndRemountsTheVolumeUnderItsName) {
-    SKIP_UNLESS_ROOT_WITH_LOOP_DEVICES();
-    LoopVolume volume(m_folder.path(), "ext4", "VELDRIVE", 64);
-    ASSERT_TRUE(volume.isReady()) << volume.error().toStdString();
-    ASSERT_TRUE(QDir().mkpath(volume.mountPoint() + "/photos/2024"));
+    if (const std::string why = loopDevicesUnavailable(); !why.empty()) GTEST_SKIP() << why;
+    LoopVolume volume(64);
+    QString mountPoint;
+    mountLoopVolume(volume, "ext4", "VELDRIVE", mountPoint);
+    const QString device = QString::fromStdString(volume.node());
+    ASSERT_TRUE(QDir().mkpath(mountPoint + "/photos/2024"));
     const QByteArray marker = uniqueMarker();
     {
-        QFile file(volume.mountPoint() + "/photos/2024/secret.txt");
+        QFile file(mountPoint + "/photos/2024/secret.txt");
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         for (int i = 0; i < 4000; ++i) file.write(marker + "\n");
-        QFile other(volume.mountPoint() + "/notes.txt");
+        QFile other(mountPoint + "/notes.txt");
         ASSERT_TRUE(other.open(QIODevice::WriteOnly));
         other.write("notes");
     }
     ::sync();
-    ASSERT_GT(countInFile(volume.image(), marker), 0);
+    ASSERT_GT(volume.countInImage(marker.toStdString()), 0);
 
     QByteArray output;
-    EXPECT_EQ(cli({"erase-drive", "--yes", volume.mountPoint()}, &output), 0) << output.toStdString();
-    EXPECT_EQ(volume.mountPointsOfDevice(), QStringList{volume.mountPoint()});
-    EXPECT_EQ(QDir(volume.mountPoint()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+    EXPECT_EQ(cli({"erase-drive", "--yes", mountPoint}, &output), 0) << output.toStdString();
+    EXPECT_EQ(volume.mountPoints(), std::vector<std::string>{mountPoint.toStdString()});
+    EXPECT_EQ(QDir(mountPoint).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
               QStringList());
     QByteArray label;
-    run("blkid", {"-s", "LABEL", "-o", "value", volume.device()}, &label);
+    run("blkid", {"-s", "LABEL", "-o", "value", device}, &label);
     EXPECT_EQ(label.trimmed(), "VELDRIVE");
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:VELDRIVE|Erased"});
 
-    volume.unmount();
-    EXPECT_EQ(countInFile(volume.image(), marker), 0);
+    ASSERT_TRUE(volume.unmountAll());
+    EXPECT_EQ(volume.countInImage(marker.toStdString()), 0);
 }
 
 }  // namespace

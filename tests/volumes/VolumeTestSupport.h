@@ -76,19 +76,4 @@ inline QByteArray uniqueMarker() {
            QByteArray::number(QRandomGenerator::system()->generate64(), 16);
 }
 
-// How often the marker occurs in a file, read in chunks that overlap by the marker's length.
-inline int countInFile(const QString& path, const QByteArray& marker) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return -1;
-    int hits = 0;
-    QByteArray tail;
-    while (!file.atEnd()) {
-        const QByteArray chunk = tail + file.read(8 << 20);
-        // The tail is one byte shorter than the marker, so no match is counted twice.
-        for (qsizetype at = chunk.indexOf(marker); at >= 0; at = chunk.indexOf(marker, at + 1)) ++hits;
-        tail = chunk.right(marker.size() - 1);
-    }
-    return hits;
-}
-
 }  // namespace velmora::test

@@ -1,6 +1,6 @@
 // The disk-wipe page on real volumes: a small ext4 file system on a loop
 // device is listed, chosen and (in free-space mode) wiped through the page.
-#include "LoopMount.h"
+#include "support/LoopVolume.h"
 #include "erasepage/PanelScreenshot.h"
 #include "TempDataDir.h"
 #include "engine/erase/EraserLevel.h"
@@ -89,11 +89,13 @@ private slots:
     }
 
     void init() {
-        if (geteuid() != 0) QSKIP("SKIPPED: needs root to attach and mount loop devices");
-        if (!QFileInfo::exists("/dev/loop-control")) QSKIP("SKIPPED: no /dev/loop-control");
-        m_folder = std::make_unique<QTemporaryDir>();
-        m_volume = std::make_unique<LoopMount>(m_folder->path(), kLabel, 64);
-        QVERIFY2(m_volume->isReady(), qPrintable(m_volume->error()));
+        if (const std::string why = loopDevicesUnavailable(); !why.empty()) QSKIP(why.c_str());
+        m_volume = std::make_unique<LoopVolume>(64);
+        std::string mountPoint;
+        const std::string problem = m_volume->formatAndMount("ext4", kLabel, mountPoint);
+        QVERIFY2(problem.empty(), problem.c_str());
+        m_mountPoint = QString::fromStdString(mountPoint);
+        m_device = QString::fromStdString(m_volume->node());
         PublicUtilities::writeUpDataHistoryStr(DoDataBase::kWipeVolumeHistory, "0");
         m_window = std::make_unique<MainWindowController>();
         m_window->show();
@@ -104,21 +106,20 @@ private slots:
     void cleanup() {
         m_window.reset();
         m_volume.reset();
-        m_folder.reset();
     }
 
     // Switching to the page scans; the loop volume shows with its name, type
     // and sizes. The other mode switches in place and keeps the list.
     void listsTheLoopVolumeInBothModes() {
         m_window->mouseClickAction(1);
-        QVERIFY(m_page->busyIndicator()->isVisible() || rowOfDevice(m_page, m_volume->device()) >= 0);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0; }));
+        QVERIFY(m_page->busyIndicator()->isVisible() || rowOfDevice(m_page, m_device) >= 0);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0; }));
         QVERIFY(waitUntil([this] { return !m_page->busyIndicator()->isVisible(); }));
         QCOMPARE(m_page->selectEraserType(), 2);
         QCOMPARE(m_page->titleLabel()->text(), QString("Erase Hard Drive"));
 
-        const int row = rowOfDevice(m_page, m_volume->device());
-        const QStorageInfo storage(m_volume->mountPoint());
+        const int row = rowOfDevice(m_page, m_device);
+        const QStorageInfo storage(m_mountPoint);
         QCOMPARE(cell(m_page, row, VolumeTableModel::Name), QString(kLabel));
         QCOMPARE(cell(m_page, row, VolumeTableModel::Type), QString("ext4"));
         QCOMPARE(cell(m_page, row, VolumeTableModel::TotalSize), QString("67.11 MB"));
@@ -147,11 +148,11 @@ private slots:
     // longer inside the list leaves the button disabled.
     void selectionTextAndButtonRules() {
         m_window->mouseClickAction(2);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
         QVERIFY(!m_page->wipeButton()->isEnabled());
         QVERIFY(m_page->selectedLabel()->text().isEmpty());
 
-        const int row = rowOfDevice(m_page, m_volume->device());
+        const int row = rowOfDevice(m_page, m_device);
         clickRow(m_page, row);
         QCOMPARE(m_page->selectIndex(), row);
         QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
@@ -167,9 +168,9 @@ private slots:
         QVERIFY(m_page->wipeButton()->isEnabled());
         QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
 
-        m_volume->unmount();
+        QVERIFY(m_volume->unmountAll());
         QVERIFY(waitUntil([this] {
-            return rowOfDevice(m_page, m_volume->device()) < 0 && !m_page->busyIndicator()->isVisible();
+            return rowOfDevice(m_page, m_device) < 0 && !m_page->busyIndicator()->isVisible();
         }));
         const bool inside = m_page->selectIndex() < m_page->allVolumeArr().size();
         QCOMPARE(m_page->wipeButton()->isEnabled(), inside);
@@ -184,7 +185,7 @@ private slots:
     // notice: no confirmation, nothing runs.
     void startupVolumeIsRefusedForWholeDriveErase() {
         m_window->mouseClickAction(1);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
         int startupRow = -1;
         for (int row = 0; row < m_page->allVolumeArr().size(); ++row)
             if (m_page->allVolumeArr().at(row).volumeMountPoint == "/") startupRow = row;
@@ -219,15 +220,15 @@ private slots:
     // sidebar locked, the success view, the history record and flag, and the
     // volume's own files kept.
     void freeSpaceWipeRunsToItsSuccessView() {
-        QFile kept(m_volume->mountPoint() + "/kept.txt");
+        QFile kept(m_mountPoint + "/kept.txt");
         QVERIFY(kept.open(QIODevice::WriteOnly));
         kept.write("still here");
         kept.close();
 
         m_window->mouseClickAction(2);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
         serveEventsFor(600);
-        clickRow(m_page, rowOfDevice(m_page, m_volume->device()));
+        clickRow(m_page, rowOfDevice(m_page, m_device));
         QCOMPARE(m_page->historyButton()->imageName(), QString("ic_nohistory"));
         QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
         MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
@@ -256,7 +257,7 @@ private slots:
                  QString("The deleted/lost data on the hard drive has been successfully erased."));
         QVERIFY(m_window->allTypeButArr().at(0)->isEnabled());
         // The run ends with a rescan; the list behind the view is shown again.
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_volume->device()) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
         QVERIFY(saveScreenshotWith(m_window.get(), m_page->successPanel(), "wipe_page_free_space_success"));
 
         bool recorded = false;
@@ -267,15 +268,16 @@ private slots:
                             row.value("Result") == "Erased";
         QVERIFY2(recorded, "no history row for the wipe");
         QCOMPARE(m_page->historyButton()->imageName(), QString("ic_history"));
-        QVERIFY(QFileInfo::exists(m_volume->mountPoint() + "/kept.txt"));
-        QVERIFY(!QFileInfo::exists(m_volume->mountPoint() + "/.Velmora"));
+        QVERIFY(QFileInfo::exists(m_mountPoint + "/kept.txt"));
+        QVERIFY(!QFileInfo::exists(m_mountPoint + "/.Velmora"));
         QTest::mouseClick(m_page->successPanel()->okButton(), Qt::LeftButton);
     }
 
 private:
     TempDataDir m_data;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<LoopMount> m_volume;
+    std::unique_ptr<LoopVolume> m_volume;
+    QString m_mountPoint;
+    QString m_device;
     std::unique_ptr<MainWindowController> m_window;
     WipeDiskViewController* m_page = nullptr;
 };

@@ -1,4 +1,4 @@
-#include "srm/TestFiles.h"
+#include "support/TestFiles.h"
 
 #include <filesystem>
 #include <fstream>
@@ -14,7 +14,7 @@ namespace velmora::test {
 
 TempDir::TempDir()
 {
-    char pattern[] = "/tmp/velmora-srm-test-XXXXXX";
+    char pattern[] = "/tmp/velmora-test-XXXXXX";
     if (!mkdtemp(pattern))
         throw std::runtime_error("mkdtemp failed");
     path_ = pattern;

@@ -1,4 +1,4 @@
-#include "srm/ChildProcess.h"
+#include "support/ChildProcess.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -19,7 +19,7 @@ constexpr uid_t kNobody = 65534;
 
 int makeCaptureFile()
 {
-    char name[] = "/tmp/velmora-srm-output-XXXXXX";
+    char name[] = "/tmp/velmora-test-output-XXXXXX";
     const int fd = mkstemp(name);
     if (fd < 0)
         throw std::runtime_error("mkstemp failed");
