@@ -252,6 +252,11 @@ void FreeSpaceWipe::showEndEraser() {
     if (m_volumeScanner) m_volumeScanner->getallVolumes();
 }
 
+void FreeSpaceWipe::failRun(const QString& reason) {
+    m_errorString = reason;
+    showEndEraser();
+}
+
 void FreeSpaceWipe::endAppRemoveFolder() {
     m_isCancelEraser = true;
     m_worker.waitForFinished();

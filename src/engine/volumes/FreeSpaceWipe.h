@@ -78,6 +78,9 @@ public:
     // history record, the history flag and a rescan.
     void showComplite();
     void showEndEraser();
+    // Ends a run that cannot go on as failed: the reason becomes the failure text
+    // and the history records "Failed".
+    void failRun(const QString& reason);
 
     bool isCancelEraser() const { return m_isCancelEraser; }
     int iRoundTimes() const { return m_iRoundTimes; }
