@@ -3,6 +3,7 @@
 #include "diskutil/DiskUtilError.h"
 #include "diskutil/MountTable.h"
 #include "diskutil/Mounting.h"
+#include "diskutil/SystemDevices.h"
 #include "diskutil/Volume.h"
 
 #include <cerrno>
@@ -44,6 +45,7 @@ void ejectCommand(const std::vector<std::string>& args) {
     const std::optional<BlockDevice> disk = readBlockDevice(volume.device.wholeDisk);
     if (!disk) throw DiskUtilError("Could not find disk: " + volume.device.wholeDisk);
     if (!disk->ejectable) throw DiskUtilError("Disk " + disk->kernelName + " is not ejectable");
+    refuseSystemDevice(*disk);
 
     const std::vector<MountEntry> table = readMountTable();
     std::vector<BlockDevice> devices = partitionsOf(disk->kernelName);

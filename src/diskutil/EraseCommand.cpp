@@ -4,6 +4,7 @@
 #include "diskutil/FileSystemFormat.h"
 #include "diskutil/Mounting.h"
 #include "diskutil/Program.h"
+#include "diskutil/SystemDevices.h"
 #include "diskutil/Volume.h"
 
 #include <iostream>
@@ -26,6 +27,7 @@ void run(const std::vector<std::string>& command, const std::string& failure) {
 // Creates a fresh file system on the volume and mounts it again, under the folder that
 // held the old mount point (or /media/<user>) with the volume's new name.
 void erase(const Volume& volume, const FileSystemFormat& format, const std::string& label) {
+    refuseSystemDevice(volume.device);
     const std::string& makeProgram = format.makeCommand.front();
     if (findProgram(makeProgram).empty()) {
         throw DiskUtilError(format.name + " is not available on this system: " + makeProgram + " is not installed");

@@ -1,11 +1,11 @@
 #include "diskutil/Program.h"
 
 #include <cerrno>
-#include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
-#include <sstream>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,8 +15,29 @@ namespace velmora::diskutil {
 
 namespace {
 
-bool isExecutable(const std::string& path) {
-    return access(path.c_str(), X_OK) == 0;
+// The only folders programs are taken from: the tool runs as root, so a PATH or a
+// folder that someone else can write to must not pick what it runs.
+const char* const systemFolders[] = {"/usr/sbin", "/sbin", "/usr/bin", "/bin"};
+const char* const childPath = "PATH=/usr/sbin:/usr/bin:/sbin:/bin";
+
+// An executable file of root's that no one else may change (followed through links,
+// as mkfs.vfat -> mkfs.fat).
+bool isTrustedProgram(const std::string& path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) && info.st_uid == 0
+        && (info.st_mode & (S_IWGRP | S_IWOTH)) == 0 && (info.st_mode & S_IXUSR) != 0;
+}
+
+// The environment for a child: ours, with PATH pinned to the system folders, so a
+// program that starts helpers of its own finds the system's.
+std::vector<char*> childEnvironment() {
+    std::vector<char*> variables;
+    for (char** variable = environ; *variable; ++variable) {
+        if (std::strncmp(*variable, "PATH=", 5) != 0) variables.push_back(*variable);
+    }
+    variables.push_back(const_cast<char*>(childPath));
+    variables.push_back(nullptr);
+    return variables;
 }
 
 std::string readAll(int fd) {
@@ -36,16 +57,10 @@ std::string readAll(int fd) {
 }  // namespace
 
 std::string findProgram(const std::string& name) {
-    if (name.find('/') != std::string::npos) return isExecutable(name) ? name : std::string();
-    const char* path = std::getenv("PATH");
-    std::string folders = path ? path : "";
-    folders += ":/usr/local/sbin:/usr/sbin:/sbin:/usr/local/bin:/usr/bin:/bin";
-    std::istringstream stream(folders);
-    std::string folder;
-    while (std::getline(stream, folder, ':')) {
-        if (folder.empty()) continue;
-        const std::string candidate = folder + "/" + name;
-        if (isExecutable(candidate)) return candidate;
+    if (name.empty() || name.find('/') != std::string::npos) return {};
+    for (const char* folder : systemFolders) {
+        const std::string candidate = std::string(folder) + "/" + name;
+        if (isTrustedProgram(candidate)) return candidate;
     }
     return {};
 }
@@ -67,7 +82,8 @@ ProgramResult runProgram(const std::vector<std::string>& args) {
     posix_spawn_file_actions_adddup2(&actions, outputFd, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, outputFd, STDERR_FILENO);
     pid_t pid = 0;
-    const int spawnError = posix_spawn(&pid, path.c_str(), &actions, nullptr, argv.data(), environ);
+    std::vector<char*> environment = childEnvironment();
+    const int spawnError = posix_spawn(&pid, path.c_str(), &actions, nullptr, argv.data(), environment.data());
     posix_spawn_file_actions_destroy(&actions);
     if (spawnError != 0) {
         close(outputFd);

@@ -10,11 +10,12 @@ struct ProgramResult {
     std::string output;  // standard output and standard error, interleaved
 };
 
-// Full path of a program in PATH or in the system folders (the tool may run with a
-// reduced PATH under pkexec); empty when it is not installed.
+// Full path of a program in /usr/sbin, /sbin, /usr/bin or /bin (never PATH): a
+// regular file owned by root that only root may change. Empty when there is none.
 std::string findProgram(const std::string& name);
 
-// Runs args[0] with args, standard input from /dev/null, and waits for it.
+// Runs the program args[0] names (found by findProgram) with args, standard input
+// from /dev/null and PATH set to the system folders, and waits for it.
 // Exit code 127 when the program cannot be found or started. The output is
 // collected in a memory file rather than a pipe, so a program that leaves a
 // daemon behind (a FUSE driver) cannot keep the call waiting for end of file.

@@ -4,6 +4,7 @@
 #include "diskutil/FileSystemFormat.h"
 #include "diskutil/Mounting.h"
 #include "diskutil/Program.h"
+#include "diskutil/SystemDevices.h"
 #include "diskutil/Volume.h"
 
 #include <iostream>
@@ -15,6 +16,7 @@ namespace velmora::diskutil {
 void renameCommand(const std::vector<std::string>& args) {
     if (args.size() != 2) throw DiskUtilError("Usage: velmora-diskutil rename TARGET NAME");
     const Volume volume = findVolume(args[0]);
+    refuseSystemDevice(volume.device);
     if (!volume.format) {
         throw DiskUtilError("Cannot rename " + volume.device.node + ": "
                             + (volume.hasFileSystem() ? "unsupported file system " + volume.fileSystem.type
