@@ -44,6 +44,7 @@ std::string Overwriter::overwrite(int fd, const std::string& path)
     if (fstat(fd, &status) != 0)
         return std::strerror(errno);
     const std::uint64_t size = static_cast<std::uint64_t>(status.st_size);
+    coveredBytes_ = 0;
     if (size == 0)
         return {};
     // The last block's slack past the end of the file can hold old data too.
@@ -72,6 +73,7 @@ std::string Overwriter::overwrite(int fd, const std::string& path)
         }
     }
     dropCachedPages(fd);
+    coveredBytes_ = length;
     return {};
 }
 

@@ -24,6 +24,9 @@ public:
     std::string overwrite(int fd, const std::string& path);
 
     std::size_t passCount() const { return passes_.size(); }
+    // How many bytes from the start of the file the last overwrite covered (its size
+    // then, rounded up to whole blocks).
+    std::uint64_t coveredBytes() const { return coveredBytes_; }
 
     static constexpr int kStoppedByTestHook = 3;
 
@@ -35,6 +38,7 @@ private:
     std::vector<Pass> passes_;
     bool verbose_;
     int stopAfterPass_;
+    std::uint64_t coveredBytes_ = 0;
     struct FreeDeleter {
         void operator()(std::uint8_t* p) const;
     };

@@ -2,9 +2,11 @@
 
 #include "srm/DeviceIo.h"
 #include "srm/Messages.h"
+#include "srm/NoFollowPath.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -20,6 +22,9 @@ std::string reason(int error)
 {
     return std::strerror(error);
 }
+
+const char* const kOtherMount = "lies on another file system (a mount inside the folder); left alone";
+constexpr int kMaxOverwriteRounds = 3;
 
 bool sameFile(const struct stat& a, const struct stat& b)
 {
@@ -82,19 +87,23 @@ bool SecureRemover::remove(const std::string& path)
         return false;
     }
 
-    const int folderFd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    // No component of the way there may be a link: a folder swapped for a link must
+    // not carry the erasure somewhere else.
+    const int folderFd = openFolderNoFollow(folder);
     if (folderFd < 0) {
         if (errno == ENOENT && options_.force)
             return true;
-        printProblem(path, reason(errno));
+        printProblem(path, errno == ELOOP || errno == ENOTDIR
+                               ? "a folder on the way is a symbolic link or not a folder; not followed"
+                               : reason(errno));
         return false;
     }
-    const bool removed = removeEntry(folderFd, name, trimmed);
+    const bool removed = removeEntry(folderFd, name, trimmed, false);
     close(folderFd);
     return removed;
 }
 
-bool SecureRemover::removeEntry(int dirfd, const std::string& name, const std::string& path)
+bool SecureRemover::removeEntry(int dirfd, const std::string& name, const std::string& path, bool insideWalk)
 {
     struct stat seen;
     if (fstatat(dirfd, name.c_str(), &seen, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -104,9 +113,9 @@ bool SecureRemover::removeEntry(int dirfd, const std::string& name, const std::s
         return false;
     }
     if (S_ISREG(seen.st_mode))
-        return removeFile(dirfd, name, path, seen);
+        return removeFile(dirfd, name, path, seen, insideWalk);
     if (S_ISDIR(seen.st_mode))
-        return removeFolder(dirfd, name, path, seen);
+        return removeFolder(dirfd, name, path, seen, insideWalk);
     if (S_ISCHR(seen.st_mode) || S_ISBLK(seen.st_mode)) {
         printProblem(path, "is a device; not erased");
         return false;
@@ -122,7 +131,8 @@ bool SecureRemover::removeEntry(int dirfd, const std::string& name, const std::s
     return true;
 }
 
-bool SecureRemover::removeFile(int dirfd, const std::string& name, const std::string& path, const struct stat& seen)
+bool SecureRemover::removeFile(int dirfd, const std::string& name, const std::string& path, const struct stat& seen,
+                               bool insideWalk)
 {
     if (seen.st_nlink > 1)
         return removeHardLinkedName(dirfd, name, path, seen.st_nlink);
@@ -141,11 +151,16 @@ bool SecureRemover::removeFile(int dirfd, const std::string& name, const std::st
         printProblem(path, "changed while being erased; left alone");
         return false;
     }
+    if (insideWalk && !onSameMount(dirfd, fd)) {
+        close(fd);
+        printProblem(path, kOtherMount);
+        return false;
+    }
     fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
 
     progress("erasing " + path + " (" + std::to_string(opened.st_size) + " bytes, " +
              std::to_string(overwriter_.passCount()) + " passes)");
-    std::string failure = overwriter_.overwrite(fd, path);
+    std::string failure = overwriteAll(fd, path);
     if (failure.empty() && ftruncate(fd, 0) != 0)
         failure = "cannot empty: " + reason(errno);
     if (failure.empty() && !syncToDevice(fd))
@@ -160,7 +175,8 @@ bool SecureRemover::removeFile(int dirfd, const std::string& name, const std::st
     return unlinkRenamed(dirfd, name, path);
 }
 
-bool SecureRemover::removeFolder(int dirfd, const std::string& name, const std::string& path, const struct stat& seen)
+bool SecureRemover::removeFolder(int dirfd, const std::string& name, const std::string& path,
+                                 const struct stat& seen, bool insideWalk)
 {
     if (!options_.recursive) {
         printProblem(path, "is a folder; not removed (-r removes folders)");
@@ -177,13 +193,18 @@ bool SecureRemover::removeFolder(int dirfd, const std::string& name, const std::
         printProblem(path, "changed while being erased; left alone");
         return false;
     }
+    if (insideWalk && !onSameMount(dirfd, folderFd)) {
+        close(folderFd);
+        printProblem(path, kOtherMount);
+        return false;
+    }
     int listError = 0;
     const std::vector<std::string> entries = folderEntries(folderFd, listError);
     bool allRemoved = listError == 0;
     if (listError != 0)
         printProblem(path, "cannot list folder: " + reason(listError));
     for (const std::string& entry : entries)
-        allRemoved = removeEntry(folderFd, entry, path + "/" + entry) && allRemoved;
+        allRemoved = removeEntry(folderFd, entry, path + "/" + entry, true) && allRemoved;
     close(folderFd);
 
     if (unlinkat(dirfd, name.c_str(), AT_REMOVEDIR) != 0) {
@@ -193,6 +214,25 @@ bool SecureRemover::removeFolder(int dirfd, const std::string& name, const std::
     fsync(dirfd);
     progress("removed " + path);
     return allRemoved;
+}
+
+std::string SecureRemover::overwriteAll(int fd, const std::string& path)
+{
+    // Data appended while the passes ran would be freed unwritten by the truncation, so
+    // a file that grew is overwritten again, up to its new size.
+    for (int round = 1;; ++round) {
+        const std::string failure = overwriter_.overwrite(fd, path);
+        if (!failure.empty())
+            return failure;
+        struct stat after;
+        if (fstat(fd, &after) != 0)
+            return reason(errno);
+        if (static_cast<std::uint64_t>(after.st_size) <= overwriter_.coveredBytes())
+            return {};
+        if (round == kMaxOverwriteRounds)
+            return "kept growing while being erased";
+        progress(path + ": grew while being erased; overwriting again");
+    }
 }
 
 bool SecureRemover::removeHardLinkedName(int dirfd, const std::string& name, const std::string& path, nlink_t links)

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace velmora {
+
+// Opens the folder at `path` for reading without following a symbolic link in any of
+// its components (openat2 with RESOLVE_NO_SYMLINKS where the kernel has it, else one
+// component at a time with O_NOFOLLOW). A link on the way fails with ELOOP or ENOTDIR.
+// Returns -1 with errno set on failure.
+int openFolderNoFollow(const std::string& path);
+
+// Whether the open item `fd` lies on the same mount as the open folder `folderFd`. A
+// bind mount of the same file system counts as another mount where the kernel tells
+// mounts apart (Linux); elsewhere the device numbers decide.
+bool onSameMount(int folderFd, int fd);
+
+} // namespace velmora
