@@ -126,6 +126,14 @@ TEST_F(HistoryCli, DeletesOneEntryAndClearsAllOnlyWhenConfirmed) {
     PublicUtilities::writeUpDataHistoryStr("WipeVolumeHistory", "1");
     DoDataBase* history = DoDataBase::returnDoDataBase();
 
+    // A key made of SQL matches no entry and deletes nothing.
+    const CliResult injected = run({"delete", "x' OR '1'='1"});
+    EXPECT_EQ(injected.exitCode, 1);
+    EXPECT_TRUE(injected.err.contains("no history entry")) << injected.err.toStdString();
+    EXPECT_EQ(run({"export", "x' OR '1'='1", data.path() + "/injected"}).exitCode, 1);
+    EXPECT_FALSE(QFile::exists(data.path() + "/injected"));
+    EXPECT_EQ(history->getAllData().size(), 2);
+
     EXPECT_EQ(run({"delete", "2026-01-02 10-00-00"}).exitCode, 0);
     EXPECT_EQ(history->getAllData().keys(), QStringList{"2026-01-10 09-00-00"});
     EXPECT_EQ(run({"delete", "2026-01-02 10-00-00"}).exitCode, 1);

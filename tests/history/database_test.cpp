@@ -109,6 +109,36 @@ TEST(DoDataBase, ReadsFiltersAndDeletesByKey) {
     EXPECT_EQ(history->getAllData().keys(), QStringList{"2026-01-02 10-00-00"});
 }
 
+// Keys and types reach SQLite only as bound parameters: SQL text in them matches
+// nothing, and a key that holds a quote is read and deleted like any other.
+TEST(DoDataBase, SqlTextInKeysAndTypesIsData) {
+    TempDataDir data;
+    DoDataBase* history = DoDataBase::returnDoDataBase();
+    const QString path = history->getDataBase();
+    ASSERT_TRUE(HistorySql::plantEntry(path, "2026-01-02 10-00-00", "WipeFile", {{"/a", "U.S. Army AR380-19", "Erased"}}));
+    ASSERT_TRUE(HistorySql::plantEntry(path, "2026-01-03 10-00-00", "WipeVolume", {{"Erase Hard Drive:X", "Zero", "Erased"}}));
+
+    for (const QString& attack : {QString("x' OR '1'='1"), QString("' OR Time LIKE '%"),
+                                  QString("x'; DELETE FROM BaseTable; --"), QString("2026-01-02 10-00-00' --")}) {
+        SCOPED_TRACE(attack.toStdString());
+        history->deleteDataWithKey(attack);
+        EXPECT_EQ(countRows("TimeBase"), 2);
+        EXPECT_EQ(countRows("BaseTable"), 4);
+        EXPECT_TRUE(history->getTypeWithKey(attack).isEmpty());
+        EXPECT_TRUE(history->getAllDataWithKey(attack).isEmpty());
+        EXPECT_TRUE(history->getAllDataWithKey("WipeFile" + attack).isEmpty());
+    }
+
+    const QString quotedKey = "2026-01-04 10-00-00' OR '1'='1";
+    ASSERT_TRUE(HistorySql::exec(path, "INSERT INTO TimeBase VALUES ('2026-01-04 10-00-00'' OR ''1''=''1','WipeFile');"
+                                       "INSERT INTO BaseTable VALUES ('/b','Zero','Failed','2026-01-04 10-00-00'' OR ''1''=''1');"));
+    EXPECT_EQ(history->getAllData().value(quotedKey), HistoryRows{row("/b", "Zero", "Failed")});
+    EXPECT_EQ(history->getTypeWithKey(quotedKey), "WipeFile");
+    history->deleteDataWithKey(quotedKey);
+    EXPECT_EQ(history->getAllData().keys(), QStringList({"2026-01-02 10-00-00", "2026-01-03 10-00-00"}));
+    EXPECT_EQ(countRows("BaseTable"), 4);
+}
+
 TEST(DoDataBase, UnopenableDatabaseMakesWritesNoOpsAndReadsEmpty) {
     TempDataDir data;
     // A folder where the database file should be.

@@ -35,18 +35,27 @@ sqlite3* openDataBase(const QString& path) {
     return database;
 }
 
-// Runs one statement with its values bound as text parameters 1..n; true when
-// the step reports completion.
-bool execute(sqlite3* database, const QString& sql, const QStringList& values = {}) {
+// Prepares one statement with its values bound as text parameters 1..n. Keys,
+// types and paths only ever travel as parameters, never inside the SQL text, so
+// a key such as "x' OR '1'='1" matches nothing instead of every row. Null
+// (after finalizing) when the statement cannot be prepared.
+sqlite3_stmt* prepare(sqlite3* database, const char* sql, const QStringList& values = {}) {
     sqlite3_stmt* statement = nullptr;
-    bool done = false;
-    if (sqlite3_prepare_v2(database, sql.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK) {
-        for (int i = 0; i < values.size(); ++i) {
-            const QByteArray text = values[i].toUtf8();
-            sqlite3_bind_text(statement, i + 1, text.constData(), int(text.size()), SQLITE_TRANSIENT);
-        }
-        done = sqlite3_step(statement) == SQLITE_DONE;
+    if (sqlite3_prepare_v2(database, sql, -1, &statement, nullptr) != SQLITE_OK) {
+        sqlite3_finalize(statement);
+        return nullptr;
     }
+    for (int i = 0; i < values.size(); ++i) {
+        const QByteArray text = values[i].toUtf8();
+        sqlite3_bind_text(statement, i + 1, text.constData(), int(text.size()), SQLITE_TRANSIENT);
+    }
+    return statement;
+}
+
+// Runs one statement that returns no rows; true when the step reports completion.
+bool execute(sqlite3* database, const char* sql, const QStringList& values = {}) {
+    sqlite3_stmt* statement = prepare(database, sql, values);
+    const bool done = statement && sqlite3_step(statement) == SQLITE_DONE;
     sqlite3_finalize(statement);
     return done;
 }
@@ -98,20 +107,19 @@ void DoDataBase::writeWipeVolumesOrFree(const QString& volumeName, const QString
     sqlite3_close(database);
 }
 
-HistoryDic DoDataBase::getAllData() { return readEntries("select * from TimeBase order by Time desc", true); }
+HistoryDic DoDataBase::getAllData() { return readEntries("select * from TimeBase order by Time desc", {}, true); }
 
 HistoryDic DoDataBase::getAllDataWithKey(const QString& type) {
     qInfo("------%s", qUtf8Printable(type));
-    return readEntries(QString("select * from (select * from TimeBase order by Time desc) where Type='%1'").arg(type),
-                       false);
+    return readEntries("select * from (select * from TimeBase order by Time desc) where Type=?", {type}, false);
 }
 
-HistoryDic DoDataBase::readEntries(const QString& entryQuery, bool logDictionary) {
+HistoryDic DoDataBase::readEntries(const char* entryQuery, const QStringList& values, bool logDictionary) {
     HistoryDic dictionary;
     sqlite3* database = openDataBase(getDataBase());
     if (!database) return dictionary;
-    sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v2(database, entryQuery.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK) {
+    sqlite3_stmt* statement = prepare(database, entryQuery, values);
+    if (statement) {
         while (sqlite3_step(statement) == SQLITE_ROW) {
             const QString key = columnText(statement, 0);
             qInfo("-:%s:-", qUtf8Printable(key));
@@ -129,9 +137,8 @@ HistoryDic DoDataBase::readEntries(const QString& entryQuery, bool logDictionary
 
 HistoryRows DoDataBase::getValueWith(sqlite3* database, const QString& key) {
     HistoryRows rows;
-    sqlite3_stmt* statement = nullptr;
-    const QString query = QString("select * from BaseTable where Time='%1'").arg(key);
-    if (sqlite3_prepare_v2(database, query.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK) {
+    sqlite3_stmt* statement = prepare(database, "select * from BaseTable where Time=?", {key});
+    if (statement) {
         while (sqlite3_step(statement) == SQLITE_ROW) {
             rows.append({{"Items", columnText(statement, 0)},
                          {"Erasure Standard", columnText(statement, 1)},
@@ -146,10 +153,8 @@ QString DoDataBase::getTypeWithKey(const QString& key) {
     QString type;
     sqlite3* database = openDataBase(getDataBase());
     if (!database) return type;
-    sqlite3_stmt* statement = nullptr;
-    const QString query = QString("select Type from TimeBase where Time='%1'").arg(key);
-    if (sqlite3_prepare_v2(database, query.toUtf8().constData(), -1, &statement, nullptr) == SQLITE_OK &&
-        sqlite3_step(statement) == SQLITE_ROW)
+    sqlite3_stmt* statement = prepare(database, "select Type from TimeBase where Time=?", {key});
+    if (statement && sqlite3_step(statement) == SQLITE_ROW)
         type = columnText(statement, 0);
     sqlite3_finalize(statement);
     sqlite3_close(database);
@@ -159,9 +164,9 @@ QString DoDataBase::getTypeWithKey(const QString& key) {
 void DoDataBase::deleteDataWithKey(const QString& key) {
     sqlite3* database = openDataBase(getDataBase());
     if (!database) return;
-    if (!execute(database, QString("delete from TimeBase where Time='%1'").arg(key)))
+    if (!execute(database, "delete from TimeBase where Time=?", {key}))
         qWarning("delete time error: %s", "");
-    if (!execute(database, QString("delete from BaseTable where Time='%1'").arg(key)))
+    if (!execute(database, "delete from BaseTable where Time=?", {key}))
         qWarning("delete base error: %s", "");
     sqlite3_close(database);
 }

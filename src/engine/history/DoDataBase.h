@@ -5,6 +5,7 @@
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <QStringList>
 
 struct sqlite3;
 
@@ -54,7 +55,8 @@ public:
 
 private:
     DoDataBase() = default;
-    HistoryDic readEntries(const QString& entryQuery, bool logDictionary);
+    // Runs `entryQuery` (Time first) with `values` bound and reads each entry's rows.
+    HistoryDic readEntries(const char* entryQuery, const QStringList& values, bool logDictionary);
 };
 
 }  // namespace velmora

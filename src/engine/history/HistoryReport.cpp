@@ -2,8 +2,13 @@
 
 #include "engine/history/HistoryKey.h"
 
-#include <QSaveFile>
+#include <QFile>
 #include <QStringList>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace velmora {
 namespace {
@@ -56,6 +61,32 @@ QString itemRow(const HistoryRow& row) {
            "</tr>";
 }
 
+bool writeAll(int fd, const QByteArray& bytes) {
+    for (qsizetype written = 0; written < bytes.size();) {
+        const ssize_t count = ::write(fd, bytes.constData() + written, size_t(bytes.size() - written));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        written += count;
+    }
+    return true;
+}
+
+// Writes a new file beside `path` (a fresh name, O_EXCL, owner-only) and renames it
+// over `path`. The rename replaces whatever entry has the name, a link included, and
+// never writes through it, so a link planted at the target cannot redirect the
+// report onto another file. The report lists erased paths, so it stays private.
+bool replaceFile(const QString& path, const QByteArray& bytes) {
+    const QByteArray target = QFile::encodeName(path);
+    QByteArray temporary = target + ".XXXXXX";
+    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (fd < 0) return false;
+    bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
+    written = ::close(fd) == 0 && written;
+    if (written && ::rename(temporary.constData(), target.constData()) == 0) return true;
+    ::unlink(temporary.constData());
+    return false;
+}
+
 }  // namespace
 
 QString HistoryReport::proposedFileName(const QDateTime& when) {
@@ -71,10 +102,7 @@ QString HistoryReport::html(const QString& key, const HistoryRows& rows) {
 }
 
 bool HistoryReport::writeHTML(const QString& path, const QString& key, const HistoryRows& rows) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) return false;
-    file.write(html(key, rows).toUtf8());
-    return file.commit();
+    return replaceFile(path, html(key, rows).toUtf8());
 }
 
 }  // namespace velmora

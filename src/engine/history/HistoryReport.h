@@ -18,7 +18,8 @@ public:
     static QString exportPath(const QString& chosenPath);
 
     static QString html(const QString& key, const HistoryRows& rows);
-    // Writes html() atomically in UTF-8 to exactly `path`; false when it failed.
+    // Writes html() atomically in UTF-8 to exactly `path` (mode 0600), replacing a
+    // file or link of that name without following the link; false when it failed.
     static bool writeHTML(const QString& path, const QString& key, const HistoryRows& rows);
 };
 
