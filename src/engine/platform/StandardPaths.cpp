@@ -2,7 +2,16 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
+#include <QMutex>
 #include <QStandardPaths>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace velmora::StandardPaths {
 namespace {
@@ -18,6 +27,67 @@ QString xdg(const char* variable, const QString& fallbackBelowHome) {
     const QString value = fromEnv(variable);
     if (!value.isEmpty() && fromEnv("VELMORA_HOME").isEmpty()) return value;
     return homeDir() + "/" + fallbackBelowHome;
+}
+
+// The folder that holds ours: a real folder of the effective user that no one
+// else may write to, so our folder in it cannot be swapped. Left as it is.
+bool trustedParent(const QString& path, QString* failure) {
+    struct stat info;
+    if (::lstat(QFile::encodeName(path).constData(), &info) != 0) {
+        *failure = QString("cannot read %1: %2").arg(path, std::strerror(errno));
+        return false;
+    }
+    if (!S_ISDIR(info.st_mode) || info.st_uid != ::geteuid() || (info.st_mode & 022) != 0) {
+        *failure = QString("%1 is not a folder that only we can write to").arg(path);
+        return false;
+    }
+    return true;
+}
+
+QMutex freshTempDirMutex;
+QString freshTempDirPath;
+
+// Removes the files of the mkdtemp folder and the folder, when the process ends.
+void removeFreshTempDir() {
+    const QMutexLocker lock(&freshTempDirMutex);
+    if (freshTempDirPath.isEmpty()) return;
+    const QByteArray name = QFile::encodeName(freshTempDirPath);
+    const int fd = ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (DIR* folder = fd >= 0 ? ::fdopendir(fd) : nullptr) {
+        while (const dirent* entry = ::readdir(folder)) {
+            if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+                ::unlinkat(fd, entry->d_name, 0);
+        }
+        ::closedir(folder);
+    } else if (fd >= 0) {
+        ::close(fd);
+    }
+    ::rmdir(name.constData());
+}
+
+// A folder that mkdtemp made for this process, under the system's temporary
+// folder; made again when it is gone or no longer ours, removed at exit. Its
+// name cannot be guessed, so no one can prepare it in advance. Empty when none
+// can be made.
+QString freshTempDir() {
+    static const bool removedAtExit = std::atexit(removeFreshTempDir) == 0;
+    Q_UNUSED(removedAtExit);
+    const QMutexLocker lock(&freshTempDirMutex);
+    QString& made = freshTempDirPath;
+    QString failure;
+    if (!made.isEmpty() && StandardPaths::ownPrivateFolder(made, false, &failure)) return made;
+    made.clear();
+    const QString user = QString::fromLocal8Bit(qgetenv("USER")).remove('/');
+    for (const QString& parent : {QDir::tempPath(), QString("/tmp")}) {
+        QByteArray pattern = QFile::encodeName(parent + "/velmora-" + user + "-XXXXXX");
+        if (::mkdtemp(pattern.data())) {
+            made = QFile::decodeName(pattern);
+            return made;
+        }
+        qWarning("cannot make a temporary folder in %s: %s", qUtf8Printable(parent), std::strerror(errno));
+    }
+    qCritical("no private temporary folder can be made: temporary and output files cannot be written");
+    return {};
 }
 
 }  // namespace
@@ -42,9 +112,48 @@ QString dataDir() {
 }
 
 QString tempDir() {
-    const QString dir = fromEnv("VELMORA_DATA_DIR");
-    if (!dir.isEmpty()) return ensured(dir + "/tmp");
-    return ensured(QDir::tempPath() + QString("/velmora-%1").arg(QString::fromLocal8Bit(qgetenv("USER"))));
+    QString failure;
+    const QString dataDir = fromEnv("VELMORA_DATA_DIR");
+    if (!dataDir.isEmpty()) {
+        const QString dir = ensured(dataDir) + "/tmp";
+        if (ownPrivateFolder(dir, true, &failure)) return dir;
+        qWarning("refusing the temporary folder %s: %s", qUtf8Printable(dir), qUtf8Printable(failure));
+        return freshTempDir();
+    }
+    const QString runtimeDir = fromEnv("XDG_RUNTIME_DIR");
+    if (!runtimeDir.isEmpty()) {
+        const QString dir = runtimeDir + "/velmora";
+        if (trustedParent(runtimeDir, &failure) && ownPrivateFolder(dir, true, &failure)) return dir;
+        qWarning("refusing the temporary folder %s: %s", qUtf8Printable(dir), qUtf8Printable(failure));
+    }
+    return freshTempDir();
+}
+
+bool ownPrivateFolder(const QString& path, bool create, QString* failure) {
+    const QByteArray name = QFile::encodeName(path);
+    if (create && ::mkdir(name.constData(), 0700) != 0 && errno != EEXIST) {
+        *failure = QString("cannot create it: %1").arg(std::strerror(errno));
+        return false;
+    }
+    // Opened without following a link, so what is checked is the folder itself.
+    const int fd = ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0) {
+        *failure = errno == ELOOP || errno == ENOTDIR ? QString("it is not a folder (a link or a file)")
+                                                       : QString("cannot open it: %1").arg(std::strerror(errno));
+        return false;
+    }
+    struct stat info;
+    bool own = false;
+    if (::fstat(fd, &info) != 0)
+        *failure = QString("cannot read its owner: %1").arg(std::strerror(errno));
+    else if (info.st_uid != ::geteuid())
+        *failure = QString("it belongs to user %1").arg(info.st_uid);
+    else if ((info.st_mode & 07777) != 0700 && ::fchmod(fd, 0700) != 0)
+        *failure = QString("cannot make it private: %1").arg(std::strerror(errno));
+    else
+        own = true;
+    ::close(fd);
+    return own;
 }
 
 QString systemRoot() {

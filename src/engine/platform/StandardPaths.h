@@ -20,7 +20,18 @@ enum class Layout { MacOS, Linux };
 Layout layout();
 
 QString dataDir();        // created when missing
-QString tempDir();        // per-user temporary folder, created when missing
+// The per-user folder for temporary and output files: VELMORA_DATA_DIR/tmp when
+// redirected, else XDG_RUNTIME_DIR/velmora, else a folder mkdtemp makes for this
+// process. A candidate is used only when it is a real folder (not a link) owned
+// by us with mode 0700 (a wider mode of our own folder is narrowed); one that
+// another user prepared is refused with a warning and the mkdtemp folder is used
+// instead. Empty (after a critical log line) when no private folder can be made:
+// callers then write nothing. Files in it are created with O_EXCL|O_NOFOLLOW.
+QString tempDir();
+// True when `path` (made with mode 0700 first when `create`) is a folder, not a
+// link, owned by the effective user, and private to it (narrowed to 0700 if it
+// was wider); else false with the reason in `failure`.
+bool ownPrivateFolder(const QString& path, bool create, QString* failure);
 QString systemRoot();     // always ends without a slash, except "/" itself
 QString homeDir();
 QString volumesRoot();    // "/Volumes" on macOS; empty on Linux (mount points are used)
