@@ -21,14 +21,9 @@ std::string unescape(const std::string& value) {
 
 }  // namespace
 
-FileSystemProbe probeFileSystem(const std::string& node) {
-    const bool readable = access(node.c_str(), R_OK) == 0;
-    const ProgramResult result = readable ? runProgram({"blkid", "-p", "-o", "export", node})
-                                          : runProgram({"blkid", "-o", "export", node});
+FileSystemProbe parseBlkidExport(const std::string& output) {
     FileSystemProbe probe;
-    if (result.exitCode != 0) return probe;
-
-    std::istringstream lines(result.output);
+    std::istringstream lines(output);
     std::string line;
     while (std::getline(lines, line)) {
         const size_t equals = line.find('=');
@@ -42,6 +37,14 @@ FileSystemProbe probeFileSystem(const std::string& node) {
         else if (key == "PTTYPE") probe.partitionTable = value;
     }
     return probe;
+}
+
+FileSystemProbe probeFileSystem(const std::string& node) {
+    const bool readable = access(node.c_str(), R_OK) == 0;
+    const ProgramResult result = readable ? runProgram({"blkid", "-p", "-o", "export", node})
+                                          : runProgram({"blkid", "-o", "export", node});
+    if (result.exitCode != 0) return {};
+    return parseBlkidExport(result.output);
 }
 
 }  // namespace velmora::diskutil

@@ -13,6 +13,9 @@ struct FileSystemProbe {
     std::string partitionTable;  // "gpt" or "dos" on a partitioned disk
 };
 
+// The fields of "blkid -o export" output (KEY=value lines, values backslash-escaped).
+FileSystemProbe parseBlkidExport(const std::string& output);
+
 // Probes the device itself (blkid -p, no cache: right after mkfs and without udev).
 // Without read access to the device it falls back to blkid's cache.
 FileSystemProbe probeFileSystem(const std::string& node);

@@ -2,6 +2,7 @@
 
 #include "diskutil/BlockDevice.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -26,6 +27,19 @@ std::string unescapeOctal(const std::string& field) {
     return text;
 }
 
+// Splits a line at single spaces. The kernel escapes the blanks inside a field; every
+// other byte, carriage return and form feed included, belongs to the field.
+std::vector<std::string> fieldsOf(const std::string& line) {
+    std::vector<std::string> fields;
+    size_t start = 0;
+    for (size_t space = line.find(' '); space != std::string::npos; space = line.find(' ', start)) {
+        fields.push_back(line.substr(start, space - start));
+        start = space + 1;
+    }
+    fields.push_back(line.substr(start));
+    return fields;
+}
+
 std::string canonicalOrSelf(const std::string& path) {
     std::error_code error;
     const std::filesystem::path resolved = std::filesystem::canonical(path, error);
@@ -34,25 +48,32 @@ std::string canonicalOrSelf(const std::string& path) {
 
 }  // namespace
 
-std::vector<MountEntry> readMountTable() {
+std::vector<MountEntry> parseMountTable(const std::string& text) {
     std::vector<MountEntry> table;
-    std::ifstream file("/proc/self/mountinfo");
+    std::istringstream lines(text);
     std::string line;
-    while (std::getline(file, line)) {
+    while (std::getline(lines, line)) {
         // id parent major:minor root mount-point options [optional fields...] - type source super-options
-        std::istringstream fields(line);
-        std::string id, parent, options, field;
+        const std::vector<std::string> fields = fieldsOf(line);
+        if (fields.size() < 9) continue;
+        const auto separator = std::find(fields.begin() + 6, fields.end(), "-");
+        if (fields.end() - separator < 3) continue;
         MountEntry entry;
-        fields >> id >> parent >> entry.majorMinor >> entry.root >> entry.mountPoint >> options;
-        while (fields >> field && field != "-") {
-        }
-        fields >> entry.fsType >> entry.source;
-        entry.root = unescapeOctal(entry.root);
-        entry.mountPoint = unescapeOctal(entry.mountPoint);
-        entry.source = unescapeOctal(entry.source);
+        entry.majorMinor = fields[2];
+        entry.root = unescapeOctal(fields[3]);
+        entry.mountPoint = unescapeOctal(fields[4]);
+        entry.fsType = *(separator + 1);
+        entry.source = unescapeOctal(*(separator + 2));
         table.push_back(entry);
     }
     return table;
+}
+
+std::vector<MountEntry> readMountTable() {
+    std::ifstream file("/proc/self/mountinfo");
+    std::ostringstream text;
+    text << file.rdbuf();
+    return parseMountTable(text.str());
 }
 
 std::vector<MountEntry> mountsOf(const BlockDevice& device, const std::vector<MountEntry>& table) {

@@ -16,6 +16,8 @@ struct MountEntry {
     std::string source;
 };
 
+// The entries of mountinfo text; lines without the fields up to the source are skipped.
+std::vector<MountEntry> parseMountTable(const std::string& text);
 std::vector<MountEntry> readMountTable();
 
 // The mounts of a device, oldest first. Matched by device number, or by source path
