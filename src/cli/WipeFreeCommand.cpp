@@ -42,12 +42,6 @@ WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, WholeDriveErase* erase, const Q
         outcome = {false, false, reason};
         loop.quit();
     };
-    QObject::connect(&wipe, &FreeSpaceWipe::runStalled, &loop, [&] {
-        stop(QString("the run stopped after pass %1 of %2 without its end step: a later pass was skipped "
-                     "(less than 256,000,000 bytes free, or the fill was cancelled), so no history entry was written")
-                 .arg(wipe.iRoundTimes())
-                 .arg(FreeSpaceWipe::getEraserTimes()));
-    });
     if (erase) QObject::connect(erase, &WholeDriveErase::runStalled, &loop, stop);
 
     interrupted = false;
@@ -68,6 +62,8 @@ WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, WholeDriveErase* erase, const Q
     loop.exec();
     std::signal(SIGINT, SIG_DFL);
     bar.finish();
+    if (outcome.succeeded && wipe.unreachableBytes() > 0)
+        printErr("velmora-cli: " + FreeSpaceWipe::unreachableText(wipe.unreachableBytes()));
     return outcome;
 }
 

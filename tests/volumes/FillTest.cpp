@@ -1,75 +1,103 @@
-// The free-space fill on a plain folder standing in for a volume of the macOS
-// layout ("<volumes root>/NAME"), with the free space given by hand. Writes are
-// bounded by that number (at most 256 MB per test).
+// The free-space fill's files and its fill folder on a plain folder standing in
+// for a volume (its device number pins it): what the files hold, and that the
+// folder cannot be redirected. Runs that write until the volume is full need a
+// bounded volume and live in FillLoopTest.cpp; here a run only fails early.
 #include "VolumeTestSupport.h"
 #include "WipeRun.h"
 #include "engine/erase/EraserLevel.h"
-#include "engine/erase/PublicUtilities.h"
 #include "engine/platform/StandardPaths.h"
+#include "engine/volumes/FillFolder.h"
 
 #include <QFileInfo>
+#include <sys/stat.h>
 
 namespace velmora::test {
 namespace {
 
-constexpr char kFreeSpaceDone[] = "The deleted/lost data on the hard drive has been successfully erased.";
+constexpr char kFolderFailText[] =
+    "The hard drive is occupied or the hard drive is read-only. \n"
+    "Close other programs or remove the read-only attribute to try again.";
 
-class FillTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ensureApplication();
-        ASSERT_TRUE(QDir().mkpath(volumeFolder()));
-        EraserLevel::store(1);
-        wipe.selectEraserType = 1;
-        wipe.selectVolumeObj.volumeName = "TESTVOL";
-        wipe.selectVolumeObj.volumeType = "MS-DOS FAT32";
-        wipe.selectVolumeObj.volumeMountPoint = "/Volumes/TESTVOL";
-    }
-
-    QString volumeFolder() const { return m_root.path() + "/Volumes/TESTVOL"; }
-    QString fillFolder() const { return volumeFolder() + "/.Velmora"; }
-
-    WipeRun runWithFreeSpace(qint64 freeBytes, int timeoutMs = 120000,
-                             const std::function<void(const QString&)>& onProgress = {}) {
-        wipe.selectVolumeObj.volumeFreeSizeNum = freeBytes;
-        return WipeRun::until(wipe, nullptr, [this] { wipe.doFreeSpaceAction(); }, timeoutMs, onProgress);
-    }
-
-    TempDataDir m_data;
-    QTemporaryDir m_root;
-    ScopedEnv m_layout{"VELMORA_LAYOUT", "macos"};
-    ScopedEnv m_volumes{"VELMORA_VOLUMES_ROOT", m_root.path() + "/Volumes"};
-    FreeSpaceWipe wipe;
-};
+quint64 deviceOf(const QString& path) {
+    struct stat info;
+    return ::lstat(QFile::encodeName(path).constData(), &info) == 0 ? quint64(info.st_dev) : 0;
+}
 
 QByteArray readAll(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
-TEST_F(FillTest, RemainderFileFollowsItsTwoContentRules) {
-    const QString folder = m_root.filePath("remainder");
-    ASSERT_TRUE(QDir().mkpath(folder));
-    wipe.writLostDataWithLoseCount(1, 3, folder);
-    wipe.writLostDataWithLoseCount(7, 0, folder);
-    wipe.writLostDataWithLoseCount(4001, 2, folder);
-    wipe.writLostDataWithLoseCount(12000, 5, folder);
-    wipe.writLostDataWithLoseCount(0, 9, folder);
+void writeFile(const QString& path, const QByteArray& contents) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    file.write(contents);
+}
 
-    EXPECT_EQ(readAll(folder + "/.velmora_3"), "(");
-    EXPECT_EQ(readAll(folder + "/.velmora_0"), "(null)0");
-    EXPECT_EQ(readAll(folder + "/.velmora_2"), QByteArray(4000, '\0') + "0");
-    EXPECT_EQ(readAll(folder + "/.velmora_5"), QByteArray(12000, '\0'));
-    EXPECT_FALSE(QFileInfo::exists(folder + "/.velmora_9"));
+QStringList entriesOf(const QString& folder) {
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+class FillTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ensureApplication();
+        EraserLevel::store(1);
+        ASSERT_TRUE(QDir().mkpath(volume()));
+        ASSERT_TRUE(QDir().mkpath(outside()));
+        writeFile(outside() + "/keep.txt", "outside the volume");
+        wipe.selectEraserType = 1;
+        wipe.selectVolumeObj.volumeName = "TESTVOL";
+        wipe.selectVolumeObj.volumeType = "ext4";
+        wipe.selectVolumeObj.volumeMountPoint = volume();
+        wipe.selectVolumeObj.deviceNumber = deviceOf(volume());
+    }
+
+    QString volume() const { return m_root.path() + "/vol"; }
+    QString outside() const { return m_root.path() + "/outside"; }
+    QString fillFolder() const { return volume() + "/.Velmora"; }
+    quint64 device() const { return deviceOf(volume()); }
+
+    WipeRun runExpectingEarlyFailure(int passes) {
+        EraserLevel::store(passes);
+        wipe.selectVolumeObj.volumeFreeSizeNum = 384000001;
+        return WipeRun::until(wipe, [this] { wipe.doFreeSpaceAction(); }, 30000);
+    }
+
+    TempDataDir m_data;
+    QTemporaryDir m_root;
+    FreeSpaceWipe wipe;
+};
+
+TEST_F(FillTest, RemainderFileFollowsItsTwoContentRules) {
+    FillFolder folder(volume(), device());
+    ASSERT_TRUE(folder.isOpen()) << folder.problem().toStdString();
+    EXPECT_TRUE(wipe.writLostDataWithLoseCount(1, 3, folder));
+    EXPECT_TRUE(wipe.writLostDataWithLoseCount(7, 0, folder));
+    EXPECT_TRUE(wipe.writLostDataWithLoseCount(4001, 2, folder));
+    EXPECT_TRUE(wipe.writLostDataWithLoseCount(12000, 5, folder));
+    EXPECT_TRUE(wipe.writLostDataWithLoseCount(0, 9, folder));
+
+    EXPECT_EQ(readAll(fillFolder() + "/.velmora_3"), "(");
+    EXPECT_EQ(readAll(fillFolder() + "/.velmora_0"), "(null)0");
+    EXPECT_EQ(readAll(fillFolder() + "/.velmora_2"), QByteArray(4000, '\0') + "0");
+    EXPECT_EQ(readAll(fillFolder() + "/.velmora_5"), QByteArray(12000, '\0'));
+    EXPECT_FALSE(QFileInfo::exists(fillFolder() + "/.velmora_9"));
+    // A fill file is never written over: the same index again is a failed write.
+    EXPECT_FALSE(wipe.writLostDataWithLoseCount(7, 0, folder));
     QCoreApplication::processEvents();
-    EXPECT_TRUE(wipe.errorString().isEmpty());
+    EXPECT_TRUE(wipe.errorString().startsWith("The free space could not be overwritten: writing .velmora_0 failed"))
+        << wipe.errorString().toStdString();
+
+    EXPECT_TRUE(folder.remove()) << folder.problem().toStdString();
+    EXPECT_FALSE(QFileInfo::exists(fillFolder()));
 }
 
 TEST_F(FillTest, FillFileIsZerosWithOneRandomHeaderByte) {
-    const QString folder = m_root.filePath("fill");
-    ASSERT_TRUE(QDir().mkpath(folder));
-    wipe.createDydFile(folder, 7);
-    QFile file(folder + "/.velmora_7");
+    FillFolder folder(volume(), device());
+    ASSERT_TRUE(folder.isOpen()) << folder.problem().toStdString();
+    ASSERT_TRUE(wipe.createDydFile(folder, 7));
+    QFile file(fillFolder() + "/.velmora_7");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.size(), 128008008);
     const QByteArray head = file.read(4008);
@@ -84,76 +112,127 @@ TEST_F(FillTest, FillFileIsZerosWithOneRandomHeaderByte) {
     EXPECT_EQ(nonZeroChunks, 0);
 }
 
-TEST_F(FillTest, OnePassWritesFillFilesAndRemainderThenEndsErased) {
-    // fillCount 3, remainder 1: fill files 1 and 2, the remainder file 3, 25% a step.
-    const WipeRun run = runWithFreeSpace(384000001);
-    ASSERT_TRUE(run.ended) << "stalled " << run.stalled << " timed out " << run.timedOut;
-    EXPECT_EQ(run.progressTexts,
-              QStringList({"Erased 25.00% in 1 of 1 pass", "Erased 50.00% in 1 of 1 pass", "Erased 100% in 1 of 1 pass"}));
-    EXPECT_EQ(run.percents, QList<float>({25.0f, 50.0f, 100.0f}));
-    EXPECT_EQ(run.closeWindowCount, 1);
-    EXPECT_TRUE(run.succeeded);
-    EXPECT_EQ(run.endText, kFreeSpaceDone);
-    EXPECT_EQ(wipe.wipeScanPathStr(), fillFolder());
-    EXPECT_FALSE(QFileInfo::exists(fillFolder()));
-    EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Free Space:TESTVOL|Erased"});
-    EXPECT_EQ(PublicUtilities::getUpDataHistoryStr(DoDataBase::kWipeVolumeHistory), "1");
+// The fill folder is made fresh, owner-only, on the pinned device, and goes with
+// its pass; the descriptor keeps pointing at it whatever the name is changed to.
+TEST_F(FillTest, FillFolderIsFreshPrivateAndRemovedWhole) {
+    {
+        FillFolder folder(volume(), device());
+        ASSERT_TRUE(folder.isOpen()) << folder.problem().toStdString();
+        EXPECT_EQ(folder.path(), fillFolder());
+        EXPECT_EQ(QFileInfo(fillFolder()).permissions() & 0x0077, 0);  // no group or other bits
+        ASSERT_TRUE(wipe.writLostDataWithLoseCount(10, 1, folder));
+        EXPECT_GT(folder.freeBytes(), 0);
+    }
+    EXPECT_FALSE(QFileInfo::exists(fillFolder())) << "the folder outlived its pass";
+
+    // A name the fill never writes stops the removal: nothing but fill files is deleted.
+    FillFolder folder(volume(), device());
+    ASSERT_TRUE(folder.isOpen());
+    writeFile(fillFolder() + "/notes.txt", "mine");
+    EXPECT_FALSE(folder.remove());
+    EXPECT_TRUE(folder.problem().contains("notes.txt")) << folder.problem().toStdString();
+    EXPECT_EQ(readAll(fillFolder() + "/notes.txt"), "mine");
 }
 
-TEST_F(FillTest, PassesAfterAShortFillAreSkippedAndTheRunNeverEnds) {
-    // Less than two fill units free: only the remainder file, and pass 1 leaves
-    // isRounding set, so passes 2 and 3 are skipped without an end view.
-    EraserLevel::store(3);
-    const WipeRun run = runWithFreeSpace(200000000);
-    EXPECT_TRUE(run.stalled);
-    EXPECT_FALSE(run.ended);
-    EXPECT_EQ(run.progressTexts, QStringList{"Erased 100% in 1 of 3 passes"});
-    EXPECT_EQ(run.closeWindowCount, 0);
-    EXPECT_EQ(wipe.iRoundTimes(), 1);
-    EXPECT_FALSE(QFileInfo::exists(fillFolder()));
-    EXPECT_TRUE(volumeHistoryItems().isEmpty());
+TEST_F(FillTest, LinksForeignFoldersAndOtherDevicesAreRefused) {
+    // ".Velmora" linking out of the volume: the link and its target stay as they are.
+    ASSERT_TRUE(QFile::link(outside(), fillFolder()));
+    {
+        FillFolder folder(volume(), device());
+        EXPECT_FALSE(folder.isOpen());
+        EXPECT_TRUE(folder.problem().contains("link")) << folder.problem().toStdString();
+    }
+    EXPECT_TRUE(QFileInfo(fillFolder()).isSymLink());
+    EXPECT_EQ(entriesOf(outside()), QStringList{"keep.txt"});
+    ASSERT_TRUE(QFile::remove(fillFolder()));
+
+    // A real ".Velmora" holding something the fill never writes.
+    ASSERT_TRUE(QDir().mkpath(fillFolder()));
+    writeFile(fillFolder() + "/holiday.jpg", "photo");
+    EXPECT_FALSE(FillFolder(volume(), device()).isOpen());
+    EXPECT_EQ(readAll(fillFolder() + "/holiday.jpg"), "photo");
+    ASSERT_TRUE(QDir(fillFolder()).removeRecursively());
+
+    // A fill-file name that is a second link to a file elsewhere.
+    ASSERT_TRUE(QDir().mkpath(fillFolder()));
+    ASSERT_EQ(::link(QFile::encodeName(outside() + "/keep.txt").constData(),
+                     QFile::encodeName(fillFolder() + "/.velmora_1").constData()), 0);
+    EXPECT_FALSE(FillFolder(volume(), device()).isOpen());
+    EXPECT_TRUE(QFileInfo::exists(fillFolder() + "/.velmora_1"));
+    ASSERT_TRUE(QDir(fillFolder()).removeRecursively());
+
+    // A folder of another user, even holding only fill files.
+    if (::geteuid() == 0) {
+        ASSERT_TRUE(QDir().mkpath(fillFolder()));
+        writeFile(fillFolder() + "/.velmora_1", "x");
+        ASSERT_EQ(::chown(QFile::encodeName(fillFolder()).constData(), 4242, 4242), 0);
+        EXPECT_FALSE(FillFolder(volume(), device()).isOpen());
+        EXPECT_TRUE(QFileInfo::exists(fillFolder() + "/.velmora_1"));
+        ASSERT_TRUE(QDir(fillFolder()).removeRecursively());
+    }
+
+    // A mount point that is a link, or that lies on another device than the pinned one.
+    ASSERT_TRUE(QFile::link(volume(), m_root.path() + "/volLink"));
+    EXPECT_FALSE(FillFolder(m_root.path() + "/volLink", device()).isOpen());
+    FillFolder elsewhere(volume(), device() + 1);
+    EXPECT_FALSE(elsewhere.isOpen());
+    EXPECT_TRUE(elsewhere.problem().contains("no longer lies on the chosen volume"));
+    EXPECT_FALSE(FillFolder(volume(), 0).isOpen());
+    EXPECT_EQ(entriesOf(volume()), QStringList());
 }
 
-TEST_F(FillTest, NothingFreeStillRunsAPassAndEnds) {
-    const WipeRun run = runWithFreeSpace(0);
-    ASSERT_TRUE(run.ended);
-    EXPECT_TRUE(run.succeeded);
-    EXPECT_EQ(run.progressTexts, QStringList{"Erased 100% in 1 of 1 pass"});
-    EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Free Space:TESTVOL|Erased"});
+// What a killed run leaves (a real folder of ours with fill files) goes at the
+// next start; a link named like it is never followed.
+TEST_F(FillTest, LeftoverOfAKilledRunIsRemovedButNeverThroughALink) {
+    ASSERT_TRUE(QDir().mkpath(fillFolder()));
+    writeFile(fillFolder() + "/.velmora_1", QByteArray(5000, '\0'));
+    writeFile(fillFolder() + "/.velmora_2", QByteArray(10, '\0'));
+    {
+        FillFolder folder(volume(), device());
+        ASSERT_TRUE(folder.isOpen()) << folder.problem().toStdString();
+        EXPECT_EQ(entriesOf(fillFolder()), QStringList());
+    }
+    EXPECT_EQ(entriesOf(volume()), QStringList());
+
+    writeFile(outside() + "/.velmora_1", "outside fill-named file");
+    ASSERT_TRUE(QFile::link(outside(), fillFolder()));
+    QString problem;
+    EXPECT_FALSE(FillFolder::removeLeftover(volume(), device(), &problem));
+    EXPECT_TRUE(problem.contains("link")) << problem.toStdString();
+    EXPECT_EQ(readAll(outside() + "/.velmora_1"), "outside fill-named file");
+    EXPECT_TRUE(QFileInfo(fillFolder()).isSymLink());
+
+    EXPECT_TRUE(FillFolder::isFillFileName(".velmora_12"));
+    EXPECT_FALSE(FillFolder::isFillFileName(".velmora_"));
+    EXPECT_FALSE(FillFolder::isFillFileName(".velmora_1a"));
+    EXPECT_FALSE(FillFolder::isFillFileName("velmora_1"));
 }
 
-TEST_F(FillTest, CancelEndsInTheFailureViewAndRemovesTheFill) {
-    const WipeRun run = runWithFreeSpace(384000001, 120000, [this](const QString&) { wipe.cancelWipeSpaceButtonAction(); });
-    ASSERT_TRUE(run.ended);
+// A fill folder that cannot be made ends the run as failed after its first pass:
+// no other folder is used, every chosen pass either runs or the run ends, and the
+// next run is not held up by anything this one left.
+TEST_F(FillTest, FolderThatCannotBeMadeFailsTheRunWithoutFallback) {
+    ASSERT_TRUE(QFile::link(outside(), fillFolder()));
+    const WipeRun run = runExpectingEarlyFailure(3);
+    ASSERT_TRUE(run.ended) << "timed out " << run.timedOut;
     EXPECT_FALSE(run.succeeded);
-    EXPECT_TRUE(run.cancelled);
-    EXPECT_EQ(run.endText, "The operation was canceled by the user.");
-    EXPECT_EQ(run.progressTexts.first(), "Erased 25.00% in 1 of 1 pass");
-    EXPECT_FALSE(run.progressTexts.contains("Erased 50.00% in 1 of 1 pass"));
-    EXPECT_FALSE(QFileInfo::exists(fillFolder()));
+    EXPECT_FALSE(run.cancelled);
+    EXPECT_EQ(run.endText, kFolderFailText);
+    EXPECT_EQ(run.closeWindowCount, 1);
+    EXPECT_TRUE(run.progressTexts.isEmpty());
+    EXPECT_EQ(wipe.iRoundTimes(), 1);
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Free Space:TESTVOL|Failed"});
-}
+    EXPECT_FALSE(QFileInfo::exists(StandardPaths::tempDir() + "/.Velmora"));
+    EXPECT_EQ(entriesOf(outside()), QStringList{"keep.txt"});
 
-TEST_F(FillTest, UnwritableVolumeFallsBackToTheTemporaryFolder) {
-    // A file where the volume's folder should be: its fill folder cannot be made.
-    ASSERT_TRUE(QDir(volumeFolder()).removeRecursively());
-    QFile blocker(volumeFolder());
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
-    const WipeRun run = runWithFreeSpace(5000);
-    ASSERT_TRUE(run.ended);
-    EXPECT_TRUE(run.succeeded);
-    const QString fallback = StandardPaths::tempDir() + "/.Velmora";
-    EXPECT_EQ(wipe.wipeScanPathStr(), fallback);
-    EXPECT_FALSE(QFileInfo::exists(fallback));
-
-    // A fill folder left behind (the application was stopped mid-run) goes at exit.
-    ASSERT_TRUE(QDir().mkpath(fallback));
-    QFile leftover(fallback + "/.velmora_1");
-    ASSERT_TRUE(leftover.open(QIODevice::WriteOnly));
-    leftover.close();
-    wipe.endAppRemoveFolder();
-    EXPECT_FALSE(QFileInfo::exists(fallback));
+    // An unpinned volume fails the same way; the failure of the run before is gone.
+    ASSERT_TRUE(QFile::remove(fillFolder()));
+    wipe.selectVolumeObj.deviceNumber = 0;
+    const WipeRun unpinned = runExpectingEarlyFailure(1);
+    ASSERT_TRUE(unpinned.ended);
+    EXPECT_FALSE(unpinned.succeeded);
+    EXPECT_EQ(entriesOf(volume()), QStringList());
+    EXPECT_EQ(volumeHistoryItems().size(), 2);
 }
 
 TEST_F(FillTest, EraseNowDecisionsAndFillFolders) {
@@ -162,8 +241,6 @@ TEST_F(FillTest, EraseNowDecisionsAndFillFolders) {
     EXPECT_EQ(wipe.fillFolderPath(), fillFolder());
     wipe.selectVolumeObj.volumeType = "NTFS";
     EXPECT_EQ(wipe.wipeButtonAction(), Start::ShowNTFSWindow);
-    // An NTFS volume is filled after the whole-drive erase renamed it "NEW".
-    EXPECT_EQ(wipe.fillFolderPath(), m_root.path() + "/Volumes/NEW/.Velmora");
 
     wipe.selectEraserType = 2;
     EXPECT_EQ(wipe.wipeButtonAction(), Start::DoEraserPartiltion);
@@ -172,14 +249,24 @@ TEST_F(FillTest, EraseNowDecisionsAndFillFolders) {
     wipe.selectEraserType = 3;
     EXPECT_EQ(wipe.wipeButtonAction(), Start::NoSelectType);
 
-    // On Linux the fill goes to the mount point; without one there is no fill folder
-    // (never "/.Velmora" on the system disk).
-    ScopedEnv linux("VELMORA_LAYOUT", "linux");
-    wipe.selectVolumeObj.volumeType = "ext4";
+    // The fill goes to the mount point, never to a folder found by the volume's
+    // name; without a mount point there is no fill folder (never "/.Velmora").
+    wipe.selectVolumeObj.volumeName = "NEW";
     wipe.selectVolumeObj.volumeMountPoint = "/media/user/USB";
     EXPECT_EQ(wipe.fillFolderPath(), "/media/user/USB/.Velmora");
     wipe.selectVolumeObj.volumeMountPoint.clear();
     EXPECT_EQ(wipe.fillFolderPath(), "");
+    // On the macOS layout "/Volumes" is the (redirectable) volumes root.
+    ScopedEnv layout("VELMORA_LAYOUT", "macos");
+    ScopedEnv volumes("VELMORA_VOLUMES_ROOT", m_root.path() + "/Volumes");
+    wipe.selectVolumeObj.volumeMountPoint = "/Volumes/STICK";
+    EXPECT_EQ(wipe.fillFolderPath(), m_root.path() + "/Volumes/STICK/.Velmora");
+}
+
+TEST_F(FillTest, UnreachableBytesAreToldWithTheirCount) {
+    const QString text = FreeSpaceWipe::unreachableText(4696064);
+    EXPECT_TRUE(text.startsWith("4,696,064 bytes of free space could not be overwritten")) << text.toStdString();
+    EXPECT_EQ(text.contains("administrator"), ::geteuid() != 0);
 }
 
 }  // namespace

@@ -6,15 +6,13 @@
 #include "engine/platform/StandardPaths.h"
 #include "engine/volumes/DiskInfo.h"
 #include "engine/volumes/FillFileWriter.h"
-#include "engine/volumes/MountedVolumes.h"
+#include "engine/volumes/FillFolder.h"
 #include "engine/volumes/VolumeScanner.h"
 
-#include <QDir>
-#include <QFile>
+#include <QLocale>
 #include <QRandomGenerator>
-#include <QThread>
 #include <QtConcurrent>
-#include <fcntl.h>
+#include <cstring>
 #include <unistd.h>
 
 namespace velmora {
@@ -32,24 +30,15 @@ const char* zeroBlock() {
     return zeros;
 }
 
-QString fillFilePath(const QString& folder, qint64 index) { return QString("%1/.velmora_%2").arg(folder).arg(index); }
+QByteArray fillFileName(qint64 index) { return ".velmora_" + QByteArray::number(index); }
 
-void removeFolder(const QString& folder) {
-    if (!folder.isEmpty()) QDir(folder).removeRecursively();
-}
-
-// Flushes the volume that holds the folder, so the removed fill is on the device
-// before the next pass writes the same space again.
-void flushFileSystemOf(const QString& folder) {
-#ifdef Q_OS_LINUX
-    const int fd = ::open(QFile::encodeName(QFileInfo(folder).absolutePath()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd >= 0) {
-        const bool flushed = ::syncfs(fd) == 0;
-        ::close(fd);
-        if (flushed) return;
-    }
-#endif
-    ::sync();
+// The volume's mount point; on the macOS layout "/Volumes/NAME" lies under the
+// volumes root (which tests redirect).
+QString mountFolderOf(const VolumeObj& volume) {
+    const QString& mountPoint = volume.volumeMountPoint;
+    if (StandardPaths::layout() == StandardPaths::Layout::MacOS && mountPoint.startsWith("/Volumes/"))
+        return StandardPaths::volumesRoot() + mountPoint.mid(int(strlen("/Volumes")));
+    return mountPoint;
 }
 
 // The short remainder file's text: formatting "%@0" over and over, starting from
@@ -84,154 +73,150 @@ FreeSpaceWipe::WipeStart FreeSpaceWipe::wipeButtonAction() const {
 void FreeSpaceWipe::doFreeSpaceAction() {
     m_worker.waitForFinished();
     m_isCancelEraser = false;
+    m_failed = false;
     m_errorString.clear();
     m_iRoundTimes = 0;
+    m_unreachableBytes = 0;
     const qint64 freeBytes = qMax<qint64>(0, selectVolumeObj.volumeFreeSizeNum);
     const qint64 fillCount = freeBytes / kFillUnit;
     const qint64 remainder = freeBytes - fillCount * kFillUnit;
-    // With nothing free this is 100/0, infinite; nothing is written then anyway.
+    // With nothing free this is 100/0, infinite; no progress text uses it then.
     const float stepPercent = remainder >= 1 ? 100.0 / double(fillCount + 1) : 100.0 / double(fillCount);
     const int passes = getEraserTimes();
+    m_runMountPoint = mountFolderOf(selectVolumeObj);
+    m_runDevice = selectVolumeObj.deviceNumber;
     m_worker = QtConcurrent::run(&FreeSpaceWipe::runPasses, this, fillCount, remainder, passes, stepPercent,
-                                 fillFolderPath(), m_wipeScanPathStr);
+                                 m_runMountPoint, m_runDevice);
 }
 
-// One pass after the other. A pass is skipped while isRounding is still set from
-// the one before: the fill loop clears it only when it reaches its last file, so
-// a volume with less than two fill units free, or a cancelled fill, gets one pass
-// only, and when the last pass is skipped no end view follows. This is how the
-// wipe has always behaved.
-void FreeSpaceWipe::runPasses(qint64 fillCount, qint64 remainder, int passes, float stepPercent, QString fillFolder,
-                              QString lastFolder) {
-    bool endScheduled = false;
-    for (int k = 0; k < passes; ++k) {
-        if (m_isRounding) continue;
+// One pass after the other, each in a fill folder made fresh on the pinned
+// volume and removed with the pass. Every pass the user chose runs; a cancel or
+// a failed pass ends the run early, as failed. Whatever happens, the end view
+// follows and no fill folder stays behind.
+void FreeSpaceWipe::runPasses(qint64 fillCount, qint64 remainder, int passes, float stepPercent, QString mountPoint,
+                              quint64 device) {
+    for (int k = 0; k < passes && !m_isCancelEraser; ++k) {
         ++m_iRoundTimes;
-        m_isRounding = true;
         m_times = 0;
-        if (m_isCancelEraser) break;
-
-        QString folder = fillFolder;
-        if (folder.isEmpty() || !QDir().mkpath(folder)) {
-            folder = StandardPaths::tempDir() + "/.Velmora";
-            qInfo("1Create folder path: %s", qPrintable(folder));
-            if (!QDir().mkpath(folder)) {
-                qWarning("Create finder fail");
-                setErrorString(kFolderFailText);
-                folder.clear();
-            }
+        FillFolder folder(mountPoint, device);
+        if (!folder.isOpen()) {
+            qWarning("Create finder fail: %s", qPrintable(folder.problem()));
+            recordFailure(kFolderFailText);
+            break;
         }
-        if (!folder.isEmpty()) {
-            lastFolder = folder;
-            setWipeScanPathStr(folder);
-            roundOneWithRoundCount(fillCount, passes, stepPercent, folder);
-            writLostDataWithLoseCount(remainder, fillCount, folder);
+        setWipeScanPathStr(folder.path());
+        const bool filled = roundOneWithRoundCount(fillCount, passes, stepPercent, folder) &&
+                            writLostDataWithLoseCount(remainder, fillCount, folder) &&
+                            fillUntilFull(folder, fillCount + 1);
+        if (filled) {
+            m_unreachableBytes = qMax(m_unreachableBytes.load(), folder.freeBytes());
+            emit setRemoveProgress(
+                QString::asprintf("Erased 100%% in %d of %d %s", k + 1, passes, passes < 2 ? "pass" : "passes"), 100.0f);
         }
-
-        emit setRemoveProgress(QString::asprintf("Erased 100%% in %d of %d %s", k + 1, passes, passes < 2 ? "pass" : "passes"),
-                               100.0f);
-        removeFolder(lastFolder);
-        flushFileSystemOf(lastFolder);
-        if (m_isCancelEraser || k + 1 == passes) {
-            endScheduled = true;
-            QMetaObject::invokeMethod(this, [this] {
-                if (selectEraserType == 1 || selectEraserType == 2) emit closeWindow();
-                QTimer::singleShot(2000, this, &FreeSpaceWipe::showComplite);
-            });
-        }
+        if (!folder.remove()) recordFailure("The fill could not be removed from the volume: " + folder.problem() + ".");
+        if (!filled || m_failed) break;
     }
-    if (!endScheduled) QMetaObject::invokeMethod(this, &FreeSpaceWipe::runStalled);
+    scheduleEnd();
 }
 
-// Writes fill files 1 to fillCount - 1: one unit short of the free space, as the
-// wipe has always done; the remainder file follows.
-void FreeSpaceWipe::roundOneWithRoundCount(qint64 fillCount, int passes, float stepPercent, const QString& folder) {
+void FreeSpaceWipe::scheduleEnd() {
+    QMetaObject::invokeMethod(this, [this] {
+        if (selectEraserType == 1 || selectEraserType == 2) emit closeWindow();
+        QTimer::singleShot(2000, this, &FreeSpaceWipe::showComplite);
+    });
+}
+
+// Writes fill files 1 to fillCount - 1: one unit short of the free space; the
+// remainder file and the file that fills the volume up follow.
+bool FreeSpaceWipe::roundOneWithRoundCount(qint64 fillCount, int passes, float stepPercent, const FillFolder& folder) {
     m_times = 0;
-    if (fillCount < 2) return;
     for (qint64 i = 1; i <= fillCount - 1; ++i) {
-        if (i == fillCount - 1) m_isRounding = false;
         const int times = ++m_times;
-        if (m_isCancelEraser) {
-            removeFolder(folder);
-            return;
-        }
+        if (m_isCancelEraser) return false;
         const float percent = float(times) * stepPercent;
         const int round = qBound(1, m_iRoundTimes.load(), passes);
         m_iRoundTimes = round;
         emit setRemoveProgress(QString::asprintf("Erased %.2f%% in %d of %d %s", percent < 100 ? double(percent) : 99.0,
                                                  round, passes, passes > 1 ? "passes" : "pass"),
                                percent);
-        createDydFile(folder, int(i));
+        if (!createDydFile(folder, int(i))) return false;
     }
+    return true;
 }
 
 // 4,000 zero bytes, an 8-byte header (one random byte, seven zeros), then 32,001
 // blocks of 4,000 zero bytes: 128,008,008 bytes, or less when the volume fills up.
-void FreeSpaceWipe::createDydFile(const QString& folder, int index) {
-    const QString path = fillFilePath(folder, index);
-    if (createFileWithContents(path, QByteArray(kBlock, '\0'))) qInfo("C Suss");
-    else qInfo("C Fail");
-    FillFileWriter handle(path);
-    if (!handle.isOpen()) return;
+bool FreeSpaceWipe::createDydFile(const FillFolder& folder, int index) {
+    const QByteArray name = fillFileName(index);
+    const int created = createFileWithContents(folder.descriptor(), name, QByteArray(kBlock, '\0'));
+    qInfo(created == 0 ? "C Suss" : "C Fail");
+    if (created != 0) return isVolumeFull(created, folder.descriptor()) || failWrite(name, created);
+    FillFileWriter handle(folder.descriptor(), name);
+    if (!handle.isOpen()) return failWrite(name, handle.error());
     const char header[8] = {char(QRandomGenerator::global()->generate() & 0xFF)};
     for (int i = 0; i < kBlockAppends; ++i) {
         bool written = handle.seekToEndOfFile();
         if (written && i == 0) written = handle.writeData(header, sizeof header);
-        if (!written || !handle.writeData(zeroBlock(), kBlock)) {
-            qInfo("This is a error");
-            return;
-        }
+        if (!written || !handle.writeData(zeroBlock(), kBlock)) break;
     }
-    if (!handle.close()) qInfo("This is a error");
+    if (handle.close()) return true;
+    qInfo("This is a error");
+    return isVolumeFull(handle.error(), folder.descriptor()) || failWrite(name, handle.error());
 }
 
 // The file ".velmora_<fillCount>" of `remainder` bytes: zero blocks and then "0"
 // characters, or, below one block, the "(null)000..." text cut to length.
-void FreeSpaceWipe::writLostDataWithLoseCount(qint64 remainder, qint64 fillCount, const QString& folder) {
-    if (remainder < 1 || m_isCancelEraser) return;
-    const QString path = fillFilePath(folder, fillCount);
-    bool failed = false;
-    if (remainder < kBlock) {
-        const QByteArray text = nullPrefixedZeros(remainder);
-        if (!createFileWithContents(path, text)) return;
-        FillFileWriter handle(path);
-        if (!handle.isOpen()) {
-            qWarning("file open fail");
-            setErrorString("You don\u2019t have the 'read' and 'write' permissions for the files.");
-            return;
-        }
-        failed = !(handle.truncateFileAtOffset() && handle.writeData(text.constData(), text.size()) && handle.close());
+bool FreeSpaceWipe::writLostDataWithLoseCount(qint64 remainder, qint64 fillCount, const FillFolder& folder) {
+    if (m_isCancelEraser) return false;
+    if (remainder < 1) return true;
+    const int folderFd = folder.descriptor();
+    const QByteArray name = fillFileName(fillCount);
+    const bool belowOneBlock = remainder < kBlock;
+    const QByteArray text = belowOneBlock ? nullPrefixedZeros(remainder) : QByteArray(kBlock, '\0');
+    if (const int created = createFileWithContents(folderFd, name, text))
+        return isVolumeFull(created, folderFd) || failWrite(name, created);
+    FillFileWriter handle(folderFd, name);
+    if (!handle.isOpen()) {
+        qWarning("file open fail");
+        recordFailure(belowOneBlock ? "You don\u2019t have the 'read' and 'write' permissions for the files."
+                             : "You don't have the 'read' and 'write' permissions for the files.");
+        return false;
+    }
+    if (belowOneBlock) {
+        handle.truncateFileAtOffset();
+        handle.writeData(text.constData(), text.size());
     } else {
         const qint64 blocks = remainder / kBlock;
         const qint64 rest = remainder - blocks * kBlock;
-        if (!createFileWithContents(path, QByteArray(kBlock, '\0'))) return;
-        FillFileWriter handle(path);
-        if (!handle.isOpen()) {
-            qWarning("file open fail");
-            setErrorString("You don't have the 'read' and 'write' permissions for the files.");
-            return;
+        bool written = true;
+        for (qint64 block = 0; block < blocks && written; ++block) {
+            if (m_isCancelEraser) return false;
+            written = handle.truncateFileAtOffset() && handle.writeData(zeroBlock(), kBlock);
         }
-        for (qint64 block = 0; block < blocks && !failed; ++block) {
-            if (m_isCancelEraser) {
-                removeFolder(folder);
-                break;
-            }
-            failed = !(handle.truncateFileAtOffset() && handle.writeData(zeroBlock(), kBlock));
-        }
-        if (!failed && rest != 0) {
+        if (written && rest != 0) {
             const QByteArray digits(rest, '0');
-            failed = !(handle.truncateFileAtOffset() && handle.writeData(digits.constData(), digits.size()));
+            handle.truncateFileAtOffset();
+            handle.writeData(digits.constData(), digits.size());
         }
-        failed = !handle.close() || failed;
     }
-    if (failed) {
-        // A full volume ends the remainder early, as expected: the run still counts as erased.
-        qInfo("NO FACE");
-        setErrorString({});
-        removeFolder(folder);
-        flushFileSystemOf(folder);
-        QThread::sleep(2);
-    }
+    if (handle.close()) return true;
+    qInfo("NO FACE");
+    return isVolumeFull(handle.error(), folderFd) || failWrite(name, handle.error());
+}
+
+bool FreeSpaceWipe::fillUntilFull(const FillFolder& folder, qint64 index) {
+    if (m_isCancelEraser) return false;
+    const int folderFd = folder.descriptor();
+    const QByteArray name = fillFileName(index);
+    if (const int created = createFileWithContents(folderFd, name, {}))
+        return isVolumeFull(created, folderFd) || failWrite(name, created);
+    FillFileWriter handle(folderFd, name);
+    if (!handle.isOpen()) return failWrite(name, handle.error());
+    const bool full = handle.writeZerosUntilFull(m_isCancelEraser);
+    // A driver that caches writes may report the full volume only when flushing.
+    const bool flushed = handle.close() || isVolumeFull(handle.error(), folderFd);
+    if (m_isCancelEraser) return false;
+    return (full && flushed) || failWrite(name, handle.error());
 }
 
 void FreeSpaceWipe::showComplite() {
@@ -246,8 +231,8 @@ void FreeSpaceWipe::showEndEraser() {
     DoDataBase::returnDoDataBase()->writeWipeVolumesOrFree(selectVolumeObj.volumeName, succeeded ? "Erased" : "Failed",
                                                           selectEraserType == 1);
     PublicUtilities::writeUpDataHistoryStr(DoDataBase::kWipeVolumeHistory, "1");
-    m_isRounding = false;
-    const QString endText = !succeeded ? m_errorString : selectEraserType == 1 ? kFreeSpaceDoneText : kDriveDoneText;
+    QString endText = !succeeded ? m_errorString : selectEraserType == 1 ? kFreeSpaceDoneText : kDriveDoneText;
+    if (succeeded && m_unreachableBytes > 0) endText += "\n" + unreachableText(m_unreachableBytes);
     emit eraserEnded(succeeded, endText, m_isCancelEraser);
     if (m_volumeScanner) m_volumeScanner->getallVolumes();
 }
@@ -257,10 +242,22 @@ void FreeSpaceWipe::failRun(const QString& reason) {
     showEndEraser();
 }
 
+QString FreeSpaceWipe::unreachableText(qint64 bytes) {
+    QString text = QString("%1 bytes of free space could not be overwritten: the file system keeps them in reserve.")
+                       .arg(QLocale(QLocale::English).toString(bytes));
+    if (::geteuid() != 0)
+        text += " The part it keeps for the administrator is reached only by a wipe with administrator rights.";
+    return text;
+}
+
+// The worker removes its fill folder on the way out; this also removes one that
+// a failed removal left, when it is still the wipe's own.
 void FreeSpaceWipe::endAppRemoveFolder() {
     m_isCancelEraser = true;
     m_worker.waitForFinished();
-    if (!m_wipeScanPathStr.isEmpty() && QFileInfo::exists(m_wipeScanPathStr)) removeFolder(m_wipeScanPathStr);
+    QString problem;
+    if (!m_runMountPoint.isEmpty() && !FillFolder::removeLeftover(m_runMountPoint, m_runDevice, &problem))
+        qInfo("fill folder left: %s", qPrintable(problem));
 }
 
 int FreeSpaceWipe::getEraserTimes() { return EraserLevel::clamped(); }
@@ -274,9 +271,8 @@ quint64 FreeSpaceWipe::checkVolumeFreeSizeWithVolumeName(const QString& volumeNa
 }
 
 QString FreeSpaceWipe::fillFolderPath() const {
-    const bool ntfs = selectVolumeObj.volumeType.toLower().contains("ntfs");
-    const QString folder = volumeDirectory(ntfs ? QString("NEW") : selectVolumeObj.volumeName, selectVolumeObj.volumeMountPoint);
-    return folder.isEmpty() ? QString() : folder + "/.Velmora";
+    const QString mountPoint = mountFolderOf(selectVolumeObj);
+    return mountPoint.isEmpty() ? QString() : mountPoint + "/" + FillFolder::kName;
 }
 
 void FreeSpaceWipe::setEraserTime() {
@@ -295,13 +291,20 @@ QString FreeSpaceWipe::elapsedTimeText(qint64 seconds) {
     return QString::asprintf("%.0f:", double(seconds / 3600)) + twoDigits((seconds / 60) % 60) + ":" + twoDigits(seconds % 60);
 }
 
-void FreeSpaceWipe::resetRounds() {
-    m_isRounding = false;
-    m_iRoundTimes = 0;
+void FreeSpaceWipe::resetRounds() { m_iRoundTimes = 0; }
+
+void FreeSpaceWipe::recordFailure(const QString& text) {
+    if (m_failed.exchange(true)) {
+        qInfo("%s", qPrintable(text));
+        return;
+    }
+    QMetaObject::invokeMethod(this, [this, text] { m_errorString = text; });
 }
 
-void FreeSpaceWipe::setErrorString(const QString& text) {
-    QMetaObject::invokeMethod(this, [this, text] { m_errorString = text; });
+bool FreeSpaceWipe::failWrite(const QByteArray& file, int error) {
+    recordFailure(QString("The free space could not be overwritten: writing %1 failed (%2).")
+                      .arg(QString::fromLatin1(file), QString::fromLocal8Bit(std::strerror(error))));
+    return false;
 }
 
 void FreeSpaceWipe::setWipeScanPathStr(const QString& folder) {

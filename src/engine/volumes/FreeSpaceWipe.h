@@ -9,12 +9,16 @@
 
 namespace velmora {
 
+class FillFolder;
 class VolumeScanner;
 
 // The free-space wipe: fills the free space of one volume (as measured before the
-// run) with files of zeros in a hidden folder on it, removes the folder, and does
-// so once per pass of the erasure level; then records the run in the history.
-// It is also the second stage of the whole-drive erase (WholeDriveErase).
+// run) with files of zeros in a hidden folder on it, then one more file until the
+// volume reports it is full, removes the folder, and does so once per pass of the
+// erasure level; then records the run in the history. Every pass runs; a pass
+// whose folder cannot be made on the pinned volume, a write error other than the
+// volume being full, and a cancel end the run as failed. It is also the second
+// stage of the whole-drive erase (WholeDriveErase).
 //
 // The object lives on the user-interface thread; the fill runs on one worker of
 // the background queue, and every signal arrives on the object's thread. The run
@@ -40,7 +44,7 @@ public:
     explicit FreeSpaceWipe(QObject* parent = nullptr);
     ~FreeSpaceWipe() override;  // cancels a fill under way and waits for it
 
-    VolumeObj selectVolumeObj;  // the volume of the run (name, type, mount point, free bytes)
+    VolumeObj selectVolumeObj;  // the volume of the run (name, type, mount point, device number, free bytes)
     int selectEraserType = 1;   // 1 free-space wipe, 2 whole-drive erase
 
     // The list rescanned at the end of every run; none by default.
@@ -54,14 +58,15 @@ public:
     // before each block of the remainder file and at the start of each pass.
     void cancelWipeSpaceButtonAction() { m_isCancelEraser = true; }
     void cancelWipeDiskButtonAction() { m_isCancelEraser = true; }
-    // At application exit: stops a fill and removes the latest fill folder.
+    // At application exit: stops a fill and removes the latest fill folder
+    // (descriptor-relative, never through a link).
     void endAppRemoveFolder();
     // The pass count: the stored erasure level, at least 1.
     static int getEraserTimes();
     // "FreeSpace" of the volume of that name; 1 when the query gives nothing.
     quint64 checkVolumeFreeSizeWithVolumeName(const QString& volumeName) const;
-    // "<volume folder>/.Velmora"; the volume folder of an NTFS volume is the one of
-    // "NEW", the name the whole-drive erase gives it. Empty when the volume has no folder.
+    // "<mount point>/.Velmora" (on the macOS layout, "/Volumes/..." lies under the
+    // volumes root). Empty when the volume has no mount point.
     QString fillFolderPath() const;
 
     // Elapsed time of a run, counted by a one-second timer from setEraserTime.
@@ -70,10 +75,15 @@ public:
     QString eraserTimeText() const { return m_eraserTimeText; }
     static QString elapsedTimeText(qint64 seconds);  // "%.0f:MM:SS"; 0 gives "00:00:00"
 
-    // The steps of a pass, as the worker runs them.
-    void roundOneWithRoundCount(qint64 fillCount, int passes, float stepPercent, const QString& folder);
-    void createDydFile(const QString& folder, int index);
-    void writLostDataWithLoseCount(qint64 remainder, qint64 fillCount, const QString& folder);
+    // The steps of a pass, as the worker runs them. Each returns false when the
+    // run must stop: the cancel flag, or a failure already recorded in errorString.
+    // Running out of space is not a failure: the volume is full, which is the goal.
+    bool roundOneWithRoundCount(qint64 fillCount, int passes, float stepPercent, const FillFolder& folder);
+    bool createDydFile(const FillFolder& folder, int index);
+    bool writLostDataWithLoseCount(qint64 remainder, qint64 fillCount, const FillFolder& folder);
+    // The file ".velmora_<index>", written until the volume reports it is full and
+    // flushed, so no free unit is left unwritten.
+    bool fillUntilFull(const FillFolder& folder, qint64 index);
     // End of a run, on the object's thread: the failure or success view, the
     // history record, the history flag and a rescan.
     void showComplite();
@@ -86,9 +96,14 @@ public:
     int iRoundTimes() const { return m_iRoundTimes; }
     bool isBegin() const { return m_isBegin; }
     void setIsBegin(bool isBegin) { m_isBegin = isBegin; }
-    // Clears isRounding and iRoundTimes (the whole-drive erase does so before its fill).
+    // Clears iRoundTimes (the whole-drive erase does so before its fill).
     void resetRounds();
     QString errorString() const { return m_errorString; }
+    // Free bytes the volume still counted once it reported full (most of any
+    // pass): space kept in reserve by the file system that the fill could not
+    // reach. Told in the end text and by the CLI when not 0.
+    qint64 unreachableBytes() const { return m_unreachableBytes; }
+    static QString unreachableText(qint64 bytes);
     QString wipeScanPathStr() const { return m_wipeScanPathStr; }
 
 signals:
@@ -98,24 +113,29 @@ signals:
     void closeWindow();
     // The end view: success text or the failure text; cancelled shows the cancel note.
     void eraserEnded(bool succeeded, const QString& endText, bool cancelled);
-    // The worker returned and no end view will follow: a later pass was skipped
-    // (see runPasses) or the cancel was seen at the start of a pass.
-    void runStalled();
 
 private:
-    void runPasses(qint64 fillCount, qint64 remainder, int passes, float stepPercent, QString fillFolder,
-                   QString lastFolder);
-    void setErrorString(const QString& text);
+    void runPasses(qint64 fillCount, qint64 remainder, int passes, float stepPercent, QString mountPoint,
+                   quint64 device);
+    // Ends the run from the worker: the progress view closes, the end view follows.
+    void scheduleEnd();
+    // Records the first failure of the run (from the worker); the later ones are logged only.
+    void recordFailure(const QString& text);
+    // Records a failed write of a fill file; always false.
+    bool failWrite(const QByteArray& file, int error);
     void setWipeScanPathStr(const QString& folder);
 
     VolumeScanner* m_volumeScanner = nullptr;
     std::atomic<bool> m_isCancelEraser{false};
-    std::atomic<bool> m_isRounding{false};
+    std::atomic<bool> m_failed{false};
     std::atomic<bool> m_isBegin{false};
     std::atomic<int> m_iRoundTimes{0};
     std::atomic<int> m_times{0};
     QString m_errorString;
     QString m_wipeScanPathStr;
+    QString m_runMountPoint;   // the volume of the latest run, for the removal at exit
+    quint64 m_runDevice = 0;
+    std::atomic<qint64> m_unreachableBytes{0};
     QFuture<void> m_worker;
     QTimer m_eraserTimer;
     qint64 m_eraserTimeR = 0;

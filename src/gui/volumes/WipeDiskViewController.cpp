@@ -75,11 +75,6 @@ WipeDiskViewController::WipeDiskViewController(MainWindowController* superDelega
         if (m_progressPanel) m_progressPanel->closeWindow();
     });
     connect(m_wipe, &FreeSpaceWipe::eraserEnded, this, &WipeDiskViewController::showEndEraser);
-    connect(m_wipe, &FreeSpaceWipe::runStalled, this, [this] {
-        runStalled(QString("The wipe stopped after pass %1 without finishing: the volume has too little free space "
-                           "for the passes that followed.")
-                       .arg(m_wipe->iRoundTimes()));
-    });
     connect(m_erase, &WholeDriveErase::runStalled, this, &WipeDiskViewController::runStalled);
 
     changeFormatOrFreeSpaceView(1);

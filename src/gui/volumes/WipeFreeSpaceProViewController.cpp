@@ -57,10 +57,6 @@ WipeFreeSpaceProViewController::WipeFreeSpaceProViewController(const QString& le
     buttons->addWidget(m_cancelButton);
     layout->addLayout(buttons);
     connect(m_cancelButton, &QPushButton::clicked, this, [this] {
-        if (m_stalled) {
-            close();
-            return;
-        }
         m_cancelButton->setEnabled(false);
         m_cancelNote->show();
         emit cancelWipeButtonAction();
@@ -72,14 +68,6 @@ void WipeFreeSpaceProViewController::setRemoveProgress(const QString& statusText
     m_progress = qMax(percent, kLeastShownPercent);
     m_bar->setValue(int(qMin(m_progress, 100.0f) * kBarScale));
     m_pathLabel->setText(statusText);
-}
-
-void WipeFreeSpaceProViewController::showStalled(const QString& reason) {
-    m_stalled = true;
-    m_cancelNote->hide();
-    m_pathLabel->setText(reason);
-    m_cancelButton->setText("Close");
-    m_cancelButton->setEnabled(true);
 }
 
 QString WipeFreeSpaceProViewController::typeText() const { return m_typeLabel->text(); }

@@ -18,8 +18,6 @@ public:
                                    const QString& title = "Erasing free space…");
 
     void setRemoveProgress(const QString& statusText, float percent);
-    // The run ended without an end view: the reason shows and Cancel becomes "Close".
-    void showStalled(const QString& reason);
     void closeWindow() { close(); }
 
     float progress() const { return m_progress; }
@@ -33,7 +31,6 @@ signals:
 
 private:
     float m_progress = 0;
-    bool m_stalled = false;
     QLabel* m_typeLabel;
     QProgressBar* m_bar;
     QLabel* m_pathLabel;
