@@ -27,7 +27,6 @@ void run(const std::vector<std::string>& command, const std::string& failure) {
 // Creates a fresh file system on the volume and mounts it again, under the folder that
 // held the old mount point (or /media/<user>) with the volume's new name.
 void erase(const Volume& volume, const FileSystemFormat& format, const std::string& label) {
-    refuseSystemDevice(volume.device);
     const std::string& makeProgram = format.makeCommand.front();
     if (findProgram(makeProgram).empty()) {
         throw DiskUtilError(format.name + " is not available on this system: " + makeProgram + " is not installed");
@@ -60,13 +59,16 @@ void eraseVolumeCommand(const std::vector<std::string>& args) {
     if (args.size() != 3) throw DiskUtilError("Usage: velmora-diskutil eraseVolume FORMAT NAME DEVICE");
     const FileSystemFormat* format = formatNamed(args[0]);
     if (!format) throw DiskUtilError(args[0] + " does not appear to be a valid file system format");
-    erase(findVolume(args[2]), *format, labelFor(*format, args[1]));
+    const Volume volume = findVolume(args[2]);
+    refuseSystemDevice(volume.device);
+    erase(volume, *format, labelFor(*format, args[1]));
 }
 
 // Erases the volume in place, keeping its file system and its name.
 void reformatCommand(const std::vector<std::string>& args) {
     if (args.size() != 1) throw DiskUtilError("Usage: velmora-diskutil reformat DEVICE");
     const Volume volume = findVolume(args[0]);
+    refuseSystemDevice(volume.device);
     if (!volume.format) {
         throw DiskUtilError("Cannot reformat " + volume.device.node + ": "
                             + (volume.hasFileSystem() ? "unsupported file system " + volume.fileSystem.type

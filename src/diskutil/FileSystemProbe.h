@@ -16,8 +16,14 @@ struct FileSystemProbe {
 // The fields of "blkid -o export" output (KEY=value lines, values backslash-escaped).
 FileSystemProbe parseBlkidExport(const std::string& output);
 
-// Probes the device itself (blkid -p, no cache: right after mkfs and without udev).
-// Without read access to the device it falls back to blkid's cache.
+// The fields of a udev database record (/run/udev/data/bMAJOR:MINOR): "E:ID_FS_TYPE=",
+// "E:ID_FS_LABEL_ENC=" (with \xHH escapes), "E:ID_FS_UUID=", ...
+FileSystemProbe parseUdevProperties(const std::string& record);
+
+// Probes the device itself (blkid -p, no cache: right after mkfs or a relabel, and
+// without udev). Without read access to the device (a user who is not root) it reads
+// udev's record of the device; without udev that leaves label and UUID empty, never
+// the possibly stale ones of blkid's cache.
 FileSystemProbe probeFileSystem(const std::string& node);
 
 }  // namespace velmora::diskutil
