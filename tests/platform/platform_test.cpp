@@ -32,6 +32,28 @@ TEST(PropertyList, UnreadableInputGivesNothing) {
     EXPECT_FALSE(propertyListFromFile("/nonexistent/file.plist").isValid());
 }
 
+TEST(PropertyList, NulByteEndsStringOrKeyInsteadOfAborting) {
+    // A NUL byte inside a string or key, in either format, ends it; the reader must not abort.
+    const QByteArray xml("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">"
+                         "<dict><key>a</key><string>x\0y</string></dict></plist>",
+                         113);
+    const QByteArray binary("bplist00\xd1\x01\x02\x51\x61\x53\x78\x00\x79\x08\x0b\x0d\x00\x00\x00\x00\x00\x00"
+                            "\x01\x01\x00\x00\x00\x00\x00\x00\x00\x03\x00\x00\x00\x00\x00\x00\x00\x00"
+                            "\x00\x00\x00\x00\x00\x00\x00\x11",
+                            52);
+    for (const QByteArray& bytes : {xml, binary})
+        EXPECT_EQ(propertyListFromData(bytes).toMap().value("a").toString(), "x");
+
+    // A binary list's UTF-16 key may hold one too: {"\u00e9\0<&>": "v"}.
+    const QByteArray utf16Key("bplist00\xd1\x01\x02\x65\x00\xe9\x00\x00\x00\x3c\x00\x26\x00\x3e\x51\x76\x08\x0b\x16"
+                              "\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x03\x00\x00\x00\x00"
+                              "\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x18",
+                              59);
+    const QVariantMap map = propertyListFromData(utf16Key).toMap();
+    EXPECT_EQ(map.keys(), QStringList{QString::fromUtf8("\xc3\xa9")});
+    EXPECT_EQ(map.first().toString(), "v");
+}
+
 TEST(SteadyWiperBase, SeedsFromTemplateAndRewritesWholeDictionary) {
     TempDataDir data;
     qputenv("USER", "alice");

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QSaveFile>
 #include <QTimeZone>
+#include <cstring>
 #include <plist/plist.h>
 
 namespace velmora {
@@ -12,19 +13,33 @@ namespace {
 // Seconds between the Unix epoch and the property-list epoch (2001-01-01 UTC).
 constexpr qint64 kPlistEpochOffset = 978307200;
 
+// The text of a dictionary key, up to a NUL byte if it holds one. libplist's key getter
+// aborts the process on such a key (a binary list can encode one), so the key is read
+// from the XML that the writer makes of it.
+QString keyText(plist_t key) {
+    char* xml = nullptr;
+    uint32_t length = 0;
+    plist_to_xml(key, &xml, &length);
+    const QByteArray text(xml, qsizetype(length));
+    free(xml);
+    const qsizetype start = text.indexOf("<key>") + 5;
+    const qsizetype end = text.lastIndexOf("</key>");
+    if (start < 5 || end < start) return {};
+    // The writer escapes exactly these three characters.
+    QByteArray bytes = text.mid(start, end - start);
+    if (const qsizetype nul = bytes.indexOf('\0'); nul >= 0) bytes.truncate(nul);
+    return QString::fromUtf8(bytes.replace("&lt;", "<").replace("&gt;", ">").replace("&amp;", "&"));
+}
+
 QVariant fromNode(plist_t node) {
     switch (plist_get_node_type(node)) {
     case PLIST_DICT: {
         QVariantMap map;
         plist_dict_iter it = nullptr;
         plist_dict_new_iter(node, &it);
-        char* key = nullptr;
         plist_t value = nullptr;
-        for (plist_dict_next_item(node, it, &key, &value); key; plist_dict_next_item(node, it, &key, &value)) {
-            map.insert(QString::fromUtf8(key), fromNode(value));
-            free(key);
-            key = nullptr;
-        }
+        for (plist_dict_next_item(node, it, nullptr, &value); value; plist_dict_next_item(node, it, nullptr, &value))
+            map.insert(keyText(plist_dict_item_get_key(value)), fromNode(value));
         free(it);
         return map;
     }
@@ -35,11 +50,11 @@ QVariant fromNode(plist_t node) {
         return list;
     }
     case PLIST_STRING: {
-        char* text = nullptr;
-        plist_get_string_val(node, &text);
-        QString result = QString::fromUtf8(text ? text : "");
-        free(text);
-        return result;
+        // Through the pointer: libplist's copying getter aborts the process on a string
+        // that holds a NUL byte, which any file may contain. The text ends at that byte.
+        uint64_t length = 0;
+        const char* text = plist_get_string_ptr(node, &length);
+        return text ? QString::fromUtf8(text, qsizetype(strnlen(text, length))) : QString();
     }
     case PLIST_BOOLEAN: {
         uint8_t value = 0;
