@@ -1,6 +1,7 @@
 #include "engine/volumes/MountedVolumes.h"
 
 #include "engine/platform/StandardPaths.h"
+#include "engine/volumes/MountInfo.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,24 +18,6 @@ namespace velmora {
 namespace {
 
 #ifndef Q_OS_MACOS
-// Mount table fields escape blanks, tabs, newlines and backslashes as octal.
-QString unescapeMountField(const QByteArray& field) {
-    QByteArray text;
-    for (qsizetype i = 0; i < field.size(); ++i) {
-        if (field[i] == '\\' && i + 3 < field.size()) {
-            bool ok = false;
-            const int code = field.mid(i + 1, 3).toInt(&ok, 8);
-            if (ok) {
-                text.append(char(code));
-                i += 3;
-                continue;
-            }
-        }
-        text.append(field[i]);
-    }
-    return QFile::decodeName(text);
-}
-
 // The kernel name behind a device number ("8:17" -> "sdb1"), else the node's file name.
 QString kernelNameOf(const QByteArray& majorMinor, const QString& deviceNode) {
     const QString target = QFileInfo("/sys/dev/block/" + QString::fromLatin1(majorMinor)).canonicalFilePath();
@@ -61,17 +44,11 @@ QList<MountedDevice> mountedBlockDevices() {
 #else
     QFile table("/proc/self/mountinfo");
     if (!table.open(QIODevice::ReadOnly)) return devices;
-    for (const QByteArray& line : table.readAll().split('\n')) {
-        // id parent major:minor root mount-point options [optional...] - type source super-options
-        const QList<QByteArray> fields = line.split(' ');
-        const qsizetype separator = fields.indexOf("-");
-        if (separator < 6 || separator + 2 >= fields.size()) continue;
-        const QString node = unescapeMountField(fields[separator + 2]);
-        if (!node.startsWith("/dev/") || fields[3] != "/" || seen.contains(node)) continue;
-        seen.insert(node);
-        const bool readOnly = fields[5] == "ro" || fields[5].startsWith("ro,");
-        devices.append({node, kernelNameOf(fields[2], node), unescapeMountField(fields[4]),
-                        QString::fromLatin1(fields[separator + 1]), readOnly});
+    for (const MountInfoEntry& entry : parseMountInfo(table.readAll())) {
+        if (!entry.source.startsWith("/dev/") || entry.root != "/" || seen.contains(entry.source)) continue;
+        seen.insert(entry.source);
+        devices.append({entry.source, kernelNameOf(entry.deviceNumber, entry.source), entry.mountPoint,
+                        entry.fileSystemType, entry.readOnly});
     }
 #endif
     return devices;
