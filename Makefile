@@ -1,5 +1,5 @@
-# The two set-up commands of a fresh Debian/Ubuntu machine.
-.PHONY: run test
+# The two set-up commands of a fresh Debian/Ubuntu machine, and `make fuzz` for developers.
+.PHONY: run test fuzz
 
 run:
 	scripts/install-deps
@@ -17,3 +17,12 @@ test:
 	cmake -S . -B build-test -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON
 	cmake --build build-test
 	cd build-test && ctest --output-on-failure
+
+# Builds the libFuzzer targets with clang (build-fuzz/) and runs each for 60 s from the
+# seed corpus in tests/fuzz/corpus; fails when any of them finds a crash.
+fuzz:
+	scripts/install-deps --fuzz
+	cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang \
+		-DCMAKE_CXX_COMPILER=clang++ -DVELMORA_FUZZ=ON
+	cmake --build build-fuzz --target velmora_fuzzers
+	scripts/run-fuzzers build-fuzz 60
