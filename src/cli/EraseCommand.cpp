@@ -36,20 +36,26 @@ FileObj recordFor(const QString& path) {
     return record;
 }
 
-// Runs the engine over the erase list in an event loop, with a progress bar.
-void erase(const FileObjList& eraseList) {
+// Runs the engine over the erase list in an event loop, with a progress bar, and
+// answers the engine's results.
+FileObjList erase(const FileObjList& eraseList) {
     RemoveFileAndFolder engine;
     ProgressBar bar("Erasing");
     QEventLoop loop;
+    FileObjList results;
     QObject::connect(&engine, &RemoveFileAndFolder::removeProgress, &loop,
-                     [&bar, &eraseList](float progress, const QString& path, int index) {
-                         bar.update(qMax(progress, 2.0f), QString("%1 of %2 items  %3").arg(index).arg(eraseList.size()).arg(path));
+                     [&bar, &engine](float progress, const QString& path, int index) {
+                         bar.update(qMax(progress, 2.0f), QString("%1 of %2 items  %3").arg(index).arg(engine.itemCount()).arg(path));
                      });
-    QObject::connect(&engine, &RemoveFileAndFolder::removeObjEnd, &loop, &QEventLoop::quit);
+    QObject::connect(&engine, &RemoveFileAndFolder::removeObjEnd, &loop, [&loop, &results](const FileObjList& list) {
+        results = list;
+        loop.quit();
+    });
     engine.benginToTraskWithArr(eraseList);
     loop.exec();
     bar.update(100.0);
     bar.finish();
+    return results;
 }
 
 }  // namespace
@@ -85,13 +91,21 @@ int runEraseCommand(QStringList args) {
     // The engine's per-item info lines would bury the progress bar; warnings stay
     // (QT_LOGGING_RULES="default.info=true" brings the info lines back).
     QLoggingCategory::setFilterRules("default.info=false");
-    erase(EraseList::build(records));
+    const FileObjList results = erase(EraseList::build(records));
 
-    // As on the page: an item is erased exactly when its path is gone.
+    // As on the page: an item is erased exactly when the engine erased it (the tool
+    // succeeded) and its path is gone. The results come in the order of the records.
     bool allErased = true;
-    for (FileObj& record : records) {
-        const bool erased = !existsOnDisk(QFileInfo(record.url));
+    for (qsizetype i = 0; i < records.size(); ++i) {
+        FileObj& record = records[i];
+        const FileObj* outcome = i < results.size() ? &results.at(i) : nullptr;
+        const bool erased = outcome && outcome->failStr == "Success" && !existsOnDisk(QFileInfo(record.url));
         record.failStr = erased ? "Erased" : "Failed";
+        if (!erased) {
+            const QString reason = outcome && !outcome->failReason.isEmpty() ? outcome->failReason
+                                   : outcome ? QString("it is still there") : QString("the erase did not reach it");
+            printErr(QString("velmora-cli: %1: %2").arg(record.url, reason));
+        }
         allErased = allErased && erased;
         printOut(QString("%1  %2").arg(record.failStr, record.url));
     }

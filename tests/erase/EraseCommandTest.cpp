@@ -74,6 +74,22 @@ TEST_F(EraseCommandTest, ItemLeftOnDiskIsFailedAndExitsOne) {
     EXPECT_EQ(rows.at(1).value("Result"), "Failed");
 }
 
+// The tool removes this name but cannot overwrite data that other names still show:
+// that is no erasure, whatever the path says afterwards.
+TEST_F(EraseCommandTest, HardLinkedFileIsFailedWithTheReasonAndExitsOne) {
+    const QString file = scratch("linked.txt");
+    writeFile(file, QByteArray(30000, 'd'));
+    ASSERT_EQ(link(QFile::encodeName(file).constData(), QFile::encodeName(scratch("other-name")).constData()), 0);
+    const CliRun run = runCli({"erase", "--yes", file});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.out, QString("Failed  %1\n").arg(file));
+    EXPECT_TRUE(run.err.contains(file + ": has 2 hard links")) << run.err.toStdString();
+    const HistoryRows rows = onlyFileEntry();
+    ASSERT_EQ(rows.size(), 2);
+    EXPECT_EQ(rows.at(1).value("Items"), file);
+    EXPECT_EQ(rows.at(1).value("Result"), "Failed");
+}
+
 TEST_F(EraseCommandTest, RefusesRootMissingPathsAndAnUnconfirmedRun) {
     const QString kept = scratch("kept.txt");
     writeFile(kept, "kept");

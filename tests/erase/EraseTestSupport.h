@@ -3,16 +3,19 @@
 #include "TempDataDir.h"
 #include "engine/erase/FileObj.h"
 #include "engine/erase/ImmutableFlag.h"
+#include "engine/erase/RemoveFileAndFolder.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QMutex>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <linux/fs.h>
@@ -95,6 +98,43 @@ protected:
 
     TempDataDir m_dataDir;
     QTemporaryDir m_scratch{QDir::tempPath() + "/velmora-erase-XXXXXX"};
+};
+
+// Records everything the engine reports during one run.
+class EngineRun {
+public:
+    explicit EngineRun(RemoveFileAndFolder& engine) {
+        QObject::connect(&engine, &RemoveFileAndFolder::removeProgress, &m_loop, [this](float value, const QString& path, int index) {
+            progress.append(value);
+            paths.append(path);
+            indexes.append(index);
+        });
+        QObject::connect(&engine, &RemoveFileAndFolder::haveFailEraser, &m_loop, [this] { ++failures; });
+        QObject::connect(&engine, &RemoveFileAndFolder::removeObjEnd, &m_loop, [this](const FileObjList& list) {
+            results = list;
+            ++ends;
+            m_loop.quit();
+        });
+    }
+
+    // False when the run did not end within two minutes.
+    bool waitForEnd() {
+        if (ends == 0) {
+            QTimer::singleShot(120000, &m_loop, &QEventLoop::quit);
+            m_loop.exec();
+        }
+        return ends == 1;
+    }
+
+    QList<float> progress;
+    QStringList paths;
+    QList<int> indexes;
+    int failures = 0;
+    int ends = 0;
+    FileObjList results;
+
+private:
+    QEventLoop m_loop;
 };
 
 // Collects the log lines written while it lives.

@@ -2,12 +2,14 @@
 // refusals, and the two rights holders on their root path (no prompt).
 #include "EraseTestSupport.h"
 #include "engine/erase/AsMDeleteExecutor.h"
+#include "engine/erase/FileDeletion.h"
 #include "engine/erase/KxAuthorization.h"
 #include "engine/erase/PrivilegedHelper.h"
 #include "engine/erase/PrivilegedHelperClient.h"
 
 #include <QEventLoop>
 #include <QTimer>
+#include <sys/stat.h>
 
 namespace velmora::test {
 namespace {
@@ -30,33 +32,77 @@ protected:
 };
 
 // velmora-cli's helper mode, started directly (we are root already) instead of through pkexec.
-TEST_F(PrivilegedRemovalTest, HelperRemovesAbsolutePathsAndRefusesTheRest) {
+TEST_F(PrivilegedRemovalTest, HelperRemovesExactlyTheItemAskedAndNeverFollowsALink) {
     PrivilegedHelperClient helper({binDir() + "/velmora-cli", PrivilegedHelper::kCommandLineFlag});
     ASSERT_TRUE(helper.start());
+    const auto identity = [](const QString& path) { return *TreeRemoval::identityOf(QFile::encodeName(path)); };
+    const QString outside = makeTree("outside");
     const QString tree = makeTree("tree");
+    ASSERT_TRUE(QFile::link(outside, tree + "/sub/to-outside"));
+    ASSERT_TRUE(QFile::link(outside + "/one.txt", tree + "/to-file"));
     QByteArray reply = "unset";
-    ASSERT_TRUE(helper.removeRecursively(QFile::encodeName(tree), &reply));
+    ASSERT_TRUE(helper.removeExactly(QFile::encodeName(tree), identity(tree), &reply));
     EXPECT_EQ(reply, "");
     EXPECT_FALSE(existsOnDisk(tree));
+    EXPECT_TRUE(existsOnDisk(outside + "/one.txt")) << "a link inside the tree was followed";
+    EXPECT_TRUE(existsOnDisk(outside + "/sub/two.txt"));
+
+    // The item asked about was moved away and another put in its place: nothing goes.
+    const QString swapped = makeTree("swapped");
+    const TreeRemoval::Identity asked = identity(swapped);
+    ASSERT_TRUE(QDir().rename(swapped, scratch("moved")));
+    makeTree("swapped");
+    ASSERT_TRUE(helper.removeExactly(QFile::encodeName(swapped), asked, &reply));
+    EXPECT_TRUE(reply.contains("refused")) << reply.constData();
+    EXPECT_TRUE(existsOnDisk(swapped + "/one.txt"));
+    EXPECT_TRUE(existsOnDisk(scratch("moved/one.txt")));
+
+    // The same item, reached through a folder that is a link: refused, not followed.
+    ASSERT_TRUE(QFile::link(scratch("moved"), scratch("via-link")));
+    ASSERT_TRUE(helper.removeExactly(QFile::encodeName(scratch("via-link/sub")), identity(scratch("moved/sub")), &reply));
+    EXPECT_FALSE(reply.isEmpty());
+    EXPECT_TRUE(existsOnDisk(scratch("moved/sub/two.txt")));
 
     const QString kept = makeTree("kept");
     for (const QByteArray& path : {QByteArray("/"), QByteArray("//"), QByteArray("relative/path"), QByteArray(""),
                                    QFile::encodeName(kept) + "/..", QFile::encodeName(kept) + "/./one.txt"}) {
-        ASSERT_TRUE(helper.removeRecursively(path, &reply)) << path.constData();
+        ASSERT_TRUE(helper.removeExactly(path, identity(kept), &reply)) << path.constData();
         EXPECT_TRUE(reply.startsWith("refused")) << path.constData() << " -> " << reply.constData();
     }
+    EXPECT_TRUE(PrivilegedHelper::answer("12 not-a-number " + QFile::encodeName(kept)).startsWith("refused"));
     EXPECT_TRUE(existsOnDisk(kept + "/one.txt"));
 
-    // What rm prints is a failure, passed back as the reply.
+    // A removal that fails is reported, not taken for success.
     const QString locked = scratch("locked.txt");
     writeFile(locked, "x");
     if (makeImmutable(locked)) {
-        ASSERT_TRUE(helper.removeRecursively(QFile::encodeName(locked), &reply));
-        EXPECT_TRUE(reply.startsWith("/bin/rm: cannot remove")) << reply.constData();
+        ASSERT_TRUE(helper.removeExactly(QFile::encodeName(locked), identity(locked), &reply));
+        EXPECT_TRUE(reply.contains("cannot remove")) << reply.constData();
     }
     EXPECT_EQ(helper.stop(), 0);
     EXPECT_FALSE(helper.isRunning());
-    EXPECT_FALSE(helper.removeRecursively("/tmp/anything", &reply));
+    EXPECT_FALSE(helper.removeExactly("/tmp/anything", {}, &reply));
+}
+
+// Making an item deletable gives its owner the write permission and nothing more, and
+// a link is refused rather than followed to its target.
+TEST_F(PrivilegedRemovalTest, OwnerWriteIsAddedWithoutFollowingLinksOrWideningTheMode) {
+    const QString folder = scratch("read-only");
+    QDir().mkpath(folder);
+    ASSERT_EQ(chmod(QFile::encodeName(folder).constData(), 0500), 0);
+    EXPECT_TRUE(FileDeletion::addOwnerWrite(folder));
+    struct stat status;
+    ASSERT_EQ(stat(QFile::encodeName(folder).constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0700u);
+
+    const QString target = scratch("target.txt");
+    writeFile(target, "t");
+    ASSERT_EQ(chmod(QFile::encodeName(target).constData(), 0444), 0);
+    const QString link = scratch("link");
+    ASSERT_TRUE(QFile::link(target, link));
+    EXPECT_FALSE(FileDeletion::addOwnerWrite(link));
+    ASSERT_EQ(stat(QFile::encodeName(target).constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0444u) << "the link's target was changed";
 }
 
 TEST_F(PrivilegedRemovalTest, HelperThatNeverGreetsIsNotStarted) {

@@ -1,50 +1,15 @@
 // The file eraser's engine on real files with the real secure-remove tool.
 #include "EraseTestSupport.h"
+#include "engine/erase/EraseList.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/RemoveFileAndFolder.h"
 
 #include <QEventLoop>
 #include <QTimer>
+#include <sys/stat.h>
 
 namespace velmora::test {
 namespace {
-
-// Records everything the engine reports during one run.
-class EngineRun {
-public:
-    explicit EngineRun(RemoveFileAndFolder& engine) {
-        QObject::connect(&engine, &RemoveFileAndFolder::removeProgress, &m_loop, [this](float value, const QString& path, int index) {
-            progress.append(value);
-            paths.append(path);
-            indexes.append(index);
-        });
-        QObject::connect(&engine, &RemoveFileAndFolder::haveFailEraser, &m_loop, [this] { ++failures; });
-        QObject::connect(&engine, &RemoveFileAndFolder::removeObjEnd, &m_loop, [this](const FileObjList& list) {
-            results = list;
-            ++ends;
-            m_loop.quit();
-        });
-    }
-
-    // False when the run did not end within two minutes.
-    bool waitForEnd() {
-        if (ends == 0) {
-            QTimer::singleShot(120000, &m_loop, &QEventLoop::quit);
-            m_loop.exec();
-        }
-        return ends == 1;
-    }
-
-    QList<float> progress;
-    QStringList paths;
-    QList<int> indexes;
-    int failures = 0;
-    int ends = 0;
-    FileObjList results;
-
-private:
-    QEventLoop m_loop;
-};
 
 QStringList verdicts(const FileObjList& results) {
     QStringList list;
@@ -86,50 +51,79 @@ TEST_F(RemoveFileAndFolderTest, SingleRecordReportsEightyOnceTwoRecordsZeroThenF
     EXPECT_FALSE(existsOnDisk(second));
 }
 
+// A chosen folder is one operand for the tool, which reports every item it removes;
+// an ".app" folder is overwritten like any other folder off macOS.
 TEST_F(RemoveFileAndFolderTest, MixedListFollowsTheProgressAndVerdictRules) {
     const QString text = scratch("a.txt");
     const QString empty = scratch("empty.log");
-    const QString occupied = scratch("occupied");
+    const QString folder = scratch("folder");
     const QString bundle = scratch("Tool.app");
-    const QString emptyFolder = scratch("nothing");
     const QString unmarkedFolder = scratch("unmarked");
     const QString target = scratch("outside/keep.txt");
-    const QString link = emptyFolder + "/link";
+    const QString link = scratch("link");
     writeFile(text, QByteArray(5000, 'x'));
     writeFile(empty, {});
-    writeFile(occupied + "/kept.txt", "still here");
+    writeFile(folder + "/sub/inner.txt", "inner");
     writeFile(bundle + "/Contents/MacOS/Tool", "binary");
     writeFile(target, "must survive");
-    QDir().mkpath(emptyFolder);
     QDir().mkpath(unmarkedFolder);
     ASSERT_TRUE(QFile::link(target, link));
-    FileObj linkRecord = fileRecord(link);
-    linkRecord.size = 0;  // as the erase list records links
 
     LogCapture log;
     RemoveFileAndFolder engine;
     EngineRun run(engine);
-    engine.benginToTraskWithArr({fileRecord(text), fileRecord(empty), fileRecord(occupied, true), fileRecord(bundle, true),
-                                 linkRecord, fileRecord(emptyFolder, true), fileRecord(unmarkedFolder, false)});
+    engine.benginToTraskWithArr(EraseList::build({fileRecord(text), fileRecord(empty), fileRecord(folder, true),
+                                                  fileRecord(bundle, true), fileRecord(link),
+                                                  fileRecord(unmarkedFolder, false)}));
     ASSERT_TRUE(run.waitForEnd());
 
-    EXPECT_EQ(run.progress, (QList<float>{0, 14, 28, 42, 57, 71, 85}));
-    EXPECT_EQ(run.indexes, (QList<int>{0, 1, 2, 3, 4, 5, 6}));
-    EXPECT_EQ(run.paths, (QStringList{text, empty, occupied, bundle, link, emptyFolder, unmarkedFolder}));
-    EXPECT_EQ(verdicts(run.results), (QStringList{"Success", "Success", "Fail", "Success", "Success", "Success", "Fail"}));
-    EXPECT_EQ(run.failures, 2);  // the folder still holding an entry, the folder not marked as one
-    EXPECT_FALSE(existsOnDisk(text));
-    EXPECT_FALSE(existsOnDisk(empty));
-    EXPECT_TRUE(existsOnDisk(occupied + "/kept.txt"));
-    EXPECT_FALSE(existsOnDisk(bundle));  // removed whole, contents and all
-    EXPECT_FALSE(existsOnDisk(emptyFolder));
+    // 1 + 1 + 3 + 4 + 1 + 1 items; inside the folders each removed item is reported.
+    EXPECT_EQ(engine.itemCount(), 11);
+    EXPECT_EQ(run.indexes, (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+    EXPECT_EQ(run.progress, (QList<float>{0, 9, 18, 27, 36, 45, 54, 63, 72, 81, 90}));
+    EXPECT_EQ(run.paths.at(3), folder + "/sub/inner.txt");
+    EXPECT_TRUE(run.paths.contains(bundle + "/Contents/MacOS/Tool")) << "the bundle was not overwritten item by item";
+    EXPECT_EQ(verdicts(run.results), (QStringList{"Success", "Success", "Success", "Success", "Success", "Fail"}));
+    EXPECT_TRUE(run.results.last().failReason.contains("not chosen as one"));
+    EXPECT_EQ(run.failures, 1);  // the folder not chosen as one
+    for (const QString& path : {text, empty, folder, bundle, link}) EXPECT_FALSE(existsOnDisk(path)) << path.toStdString();
     EXPECT_TRUE(existsOnDisk(unmarkedFolder));
     QFile kept(target);  // the link went, not what it points to
     ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
     EXPECT_EQ(kept.readAll(), "must survive");
     EXPECT_TRUE(log.lines().contains("rm file sec " + empty));
     EXPECT_FALSE(log.lines().contains("rm file sec " + text));  // content goes through the tool
-    EXPECT_TRUE(log.lines().contains("-------::" + occupied));
+}
+
+// Erased means the tool succeeded and the item is gone; everything else is a failure
+// with the reason, also when the file changed after it was listed.
+TEST_F(RemoveFileAndFolderTest, OnlyProvenErasuresSucceed) {
+    const QString linked = scratch("linked.bin");
+    writeFile(linked, QByteArray(20000, 'h'));
+    ASSERT_EQ(link(QFile::encodeName(linked).constData(), QFile::encodeName(scratch("second-name")).constData()), 0);
+    const QString filledLater = scratch("filled-later.txt");
+    writeFile(filledLater, {});
+    const FileObjList list = EraseList::build({fileRecord(linked), fileRecord(filledLater)});
+    // Empty when listed, with data when the run reaches it.
+    writeFile(filledLater, "MARKER-written-after-listing");
+    const int openFd = open(QFile::encodeName(filledLater).constData(), O_RDONLY);
+    ASSERT_GE(openFd, 0);
+
+    RemoveFileAndFolder engine;
+    EngineRun run(engine);
+    engine.benginToTraskWithArr(list);
+    ASSERT_TRUE(run.waitForEnd());
+    ASSERT_EQ(run.results.size(), 2);
+    EXPECT_EQ(run.results.at(0).failStr, "Fail");
+    EXPECT_TRUE(run.results.at(0).failReason.contains("hard links")) << run.results.at(0).failReason.toStdString();
+    EXPECT_GE(run.failures, 1);
+    // Overwritten and emptied by the tool, not merely unlinked: the data is gone even
+    // for a reader that still holds the file open.
+    EXPECT_EQ(run.results.at(1).failStr, "Success");
+    struct stat status;
+    ASSERT_EQ(fstat(openFd, &status), 0);
+    EXPECT_EQ(status.st_size, 0);
+    close(openFd);
 }
 
 TEST_F(RemoveFileAndFolderTest, ProgressIsTheIntegerShareOfHandledRecords) {
@@ -172,7 +166,8 @@ TEST_F(RemoveFileAndFolderTest, MissingToolStillEndsTheRun) {
     const bool ended = run.waitForEnd();
     qputenv("VELMORA_BIN_DIR", realBin);
     ASSERT_TRUE(ended);
-    EXPECT_EQ(run.results.size(), 2);
+    EXPECT_EQ(verdicts(run.results), (QStringList{"Fail", "Fail"}));
+    EXPECT_EQ(run.results.first().failReason, "the secure-remove tool could not be started");
     EXPECT_TRUE(existsOnDisk(path));
 }
 
@@ -204,10 +199,11 @@ TEST_F(RemoveFileAndFolderTest, LevelChoosesTheToolOptionsAndCancelStopsTheTool)
         ASSERT_TRUE(run.waitForEnd());
         poll.stop();
         ASSERT_FALSE(seen.isEmpty()) << "the tool was never seen running";
-        EXPECT_EQ(seen.mid(1), (QStringList{options, big}));
+        EXPECT_EQ(seen.mid(1), (QStringList{options, "--", big}));
         // The run ended on the cancel: the second record never started.
         ASSERT_EQ(run.results.size(), 1);
         EXPECT_EQ(run.results.first().url, big);
+        EXPECT_EQ(run.results.first().failStr, "Fail");
         EXPECT_EQ(run.progress, QList<float>{0.0f});
         EXPECT_TRUE(existsOnDisk(big));
         EXPECT_TRUE(existsOnDisk(waiting));

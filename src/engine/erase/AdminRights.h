@@ -40,8 +40,10 @@ public:
     void freeAuthorization();
     bool isHeld() const { return m_held; }
 
-    // "/bin/rm -rf PATH" with the held rights; true exactly when rm printed nothing.
-    // The caller allocates the rights first.
+    // Removes the item at the path with all its contents, with the held rights.
+    // Linux: exactly the item found there now, through a walk that follows no link
+    // and enters no mount inside it; macOS: "/bin/rm -rf PATH", true exactly when rm
+    // printed nothing. The caller allocates the rights first.
     bool removeRecursively(const QString& path);
 
     // The path's file-system representation in a buffer of max(length, 260)

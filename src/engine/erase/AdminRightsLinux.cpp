@@ -38,14 +38,19 @@ bool AdminRights::removeRecursively(const QString& path) {
     QByteArray representation;
     if (!fileSystemRepresentation(path, &representation)) return false;
     if (!m_held) return false;
-    QByteArray output;
+    // The item is pinned here, as this user sees it; the helper removes that item or nothing.
+    const QByteArray resolved = TreeRemoval::withResolvedFolder(representation);
+    const std::optional<TreeRemoval::Identity> identity = TreeRemoval::identityOf(resolved);
+    if (!identity) return false;
+    QByteArray failure;
     if (m_helper) {
-        if (!m_helper->removeRecursively(representation, &output)) return false;
+        if (!m_helper->removeExactly(resolved, *identity, &failure)) return false;
     } else {
         // Root already: the same removal the helper would do, without a helper.
-        output = PrivilegedHelper::removeRecursively(representation);
+        failure = PrivilegedHelper::removeExactly(resolved, *identity);
     }
-    return output.isEmpty();
+    if (!failure.isEmpty()) qWarning("%s", failure.constData());
+    return failure.isEmpty();
 }
 
 }  // namespace velmora

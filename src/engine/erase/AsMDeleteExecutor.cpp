@@ -3,9 +3,7 @@
 #include "engine/erase/FileDeletion.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QtConcurrent/QtConcurrentRun>
-#include <sys/stat.h>
 
 namespace velmora {
 namespace {
@@ -35,7 +33,8 @@ void AsMDeleteExecutor::executeDelete(const QList<QUrl>& urls) {
 
 bool AsMDeleteExecutor::removeTrahFile(const QUrl& url) {
     const QString path = url.toLocalFile();
-    if (!FileDeletion::isDeletableFileAtPath(path)) chmod(QFile::encodeName(path).constData(), 0777);
+    // The owner's write permission is what removing a folder's contents needs; nothing wider.
+    if (!FileDeletion::isDeletableFileAtPath(path)) FileDeletion::addOwnerWrite(path);
     if (FileDeletion::removeItemAtPath(path)) {
         emit deleteRelatedFile(url);
         return true;

@@ -2,7 +2,9 @@
 
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/SecureRemoveTask.h"
+#include "engine/erase/TreeRemoval.h"
 
+#include <QFile>
 #include <QProcess>
 
 namespace velmora {
@@ -27,7 +29,9 @@ void DoRemoveObj::initWithArr(const QStringList& paths) {
 }
 
 void DoRemoveObj::runTaskWithPath() {
-    m_task = startSecureRemoveTask(this, EraserLevel::optionString(1, false), m_allFilesArr.at(m_index), [this] { doneErasing(); });
+    // The tool follows no link on the way to the path, so its folder is resolved here, once.
+    const QString path = QFile::decodeName(TreeRemoval::withResolvedFolder(QFile::encodeName(m_allFilesArr.at(m_index))));
+    m_task = startSecureRemoveTask(this, EraserLevel::optionString(1, false), path, [this](bool, int) { doneErasing(); });
 }
 
 void DoRemoveObj::doneErasing() {

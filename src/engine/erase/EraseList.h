@@ -4,11 +4,16 @@
 
 namespace velmora::EraseList {
 
-// The erase list of a run, built from the page's records: each ticked folder
-// (other than an ".app" bundle) is preceded by its whole contents, depth first,
-// so every item comes before the folder that holds it. Contents records are all
-// marked as folders and typed "Folder"; the engine decides by what is on disk.
-// Links are never followed into.
+// The erase list of a run, built from the page's records when the erase is
+// confirmed: one record per ticked record, in order. A chosen folder stays one item
+// that the secure-remove tool walks itself, so nothing can redirect the walk by
+// swapping a folder inside it for a link. Each path gets its folder resolved once
+// (a chosen link stays the link), and the item found there is pinned by device and
+// inode so that the engine can refuse an item that was replaced meanwhile.
 FileObjList build(const FileObjList& records);
+
+// How many items erasing the record touches, for progress: 1, plus everything
+// inside when it is a folder (links are counted, never followed).
+int itemCount(const FileObj& record);
 
 }  // namespace velmora::EraseList

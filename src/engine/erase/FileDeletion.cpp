@@ -1,8 +1,13 @@
 #include "engine/erase/FileDeletion.h"
 
+#include "engine/erase/TreeRemoval.h"
+#include "srm/NoFollowPath.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,11 +25,29 @@ bool isDeletableFileAtPath(const QString& path) {
 }
 
 bool removeItemAtPath(const QString& path) {
-    const QByteArray name = QFile::encodeName(path);
-    struct stat info;
-    if (lstat(name.constData(), &info) != 0) return false;
-    if (S_ISDIR(info.st_mode)) return QDir(path).removeRecursively();
-    return unlink(name.constData()) == 0;
+    return TreeRemoval::remove(TreeRemoval::withResolvedFolder(QFile::encodeName(path))).isEmpty();
+}
+
+bool addOwnerWrite(const QString& path) {
+    const QByteArray resolved =
+        TreeRemoval::withResolvedFolder(QFile::encodeName(QDir::cleanPath(QFileInfo(path).absoluteFilePath())));
+    const qsizetype slash = resolved.lastIndexOf('/');
+    const int folderFd = openFolderNoFollow(slash == 0 ? std::string("/") : resolved.left(slash).toStdString());
+    if (folderFd < 0) return false;
+    const QByteArray name = resolved.mid(slash + 1);
+    struct stat status;
+    bool changed = false;
+    if (fstatat(folderFd, name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        changed = false;
+    } else if (S_ISLNK(status.st_mode)) {
+        errno = ELOOP;
+    } else {
+        changed = fchmodat(folderFd, name.constData(), (status.st_mode & 07777) | S_IWUSR, AT_SYMLINK_NOFOLLOW) == 0;
+    }
+    const int error = errno;
+    close(folderFd);
+    errno = error;
+    return changed;
 }
 
 }  // namespace velmora::FileDeletion

@@ -16,6 +16,9 @@ struct FileObj {
     bool isDir = false;
     bool isSelect = false;
     QString failStr;         // "Success"/"Fail" from the engine, later "Erased"/"Failed"
+    QString failReason;      // why the item was not erased; empty otherwise
+    quint64 device = 0;      // the item itself (a link is the link) when the erase was
+    quint64 inode = 0;       // confirmed; both 0 when it could not be read then
     bool isSymbolicLink = false;
     bool isSSD = false;
 

@@ -3,9 +3,7 @@
 #include "engine/erase/FileDeletion.h"
 
 #include <QDebug>
-#include <QFile>
 #include <cerrno>
-#include <sys/stat.h>
 
 #ifdef Q_OS_MACOS
 #include <ServiceManagement/ServiceManagement.h>
@@ -48,7 +46,8 @@ bool KxAuthorization::removeItemAtPath(const QString& path) {
 }
 
 bool KxAuthorization::synFastRemovePath(const QString& path) {
-    if (!FileDeletion::isDeletableFileAtPath(path) && chmod(QFile::encodeName(path).constData(), 0777) != 0)
+    // The owner's write permission is what removing a folder's contents needs; nothing wider.
+    if (!FileDeletion::isDeletableFileAtPath(path) && !FileDeletion::addOwnerWrite(path))
         qWarning("Set deletable attributed failed: %s", qUtf8Printable(qt_error_string(errno)));
     if (FileDeletion::removeItemAtPath(path)) return true;
     return removeItemAtPath(path);

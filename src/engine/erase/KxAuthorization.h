@@ -22,9 +22,11 @@ public:
     bool blessHelperWithLabel(const QString& label, QString* error);
 #endif
 
-    // "/bin/rm -rf PATH" with administrator rights (asked for when not held yet).
+    // Removes the item with all its contents with administrator rights (asked for
+    // when not held yet); see AdminRights::removeRecursively.
     static bool removeItemAtPath(const QString& path);
-    // The ordinary delete, made deletable first when needed, then the privileged one.
+    // The ordinary delete, with the owner's write permission added first when needed,
+    // then the privileged one.
     bool synFastRemovePath(const QString& path);
 
 private:

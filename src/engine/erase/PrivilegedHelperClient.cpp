@@ -82,9 +82,10 @@ bool PrivilegedHelperClient::start(int* exitStatus) {
 
 bool PrivilegedHelperClient::isRunning() const { return m_channel != nullptr; }
 
-bool PrivilegedHelperClient::removeRecursively(const QByteArray& path, QByteArray* reply) {
+bool PrivilegedHelperClient::removeExactly(const QByteArray& path, const TreeRemoval::Identity& identity,
+                                           QByteArray* reply) {
     if (!m_channel) return false;
-    if (m_channel->send(path) && m_channel->receive(reply)) return true;
+    if (m_channel->send(PrivilegedHelper::removalRequest(path, identity)) && m_channel->receive(reply)) return true;
     stop();
     return false;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/erase/TreeRemoval.h"
+
 #include <QByteArray>
 #include <QStringList>
 #include <memory>
@@ -30,10 +32,10 @@ public:
     // when the prompt was dismissed, 127 when not authorised).
     bool start(int* exitStatus = nullptr);
     bool isRunning() const;
-    // Asks the helper to remove the path recursively. False when the helper is
-    // not running or went away; otherwise *reply is what the removal printed,
-    // empty on success.
-    bool removeRecursively(const QByteArray& path, QByteArray* reply);
+    // Asks the helper to remove exactly the item of that identity at the path, with
+    // all its contents. False when the helper is not running or went away;
+    // otherwise *reply is empty on success, else the refusal or failure.
+    bool removeExactly(const QByteArray& path, const TreeRemoval::Identity& identity, QByteArray* reply);
     // Lets the helper end and collects it; answers its exit status (0 when none ran).
     int stop();
 

@@ -1,14 +1,15 @@
 #include "engine/erase/RemoveFileAndFolder.h"
 
+#include "engine/erase/EraseList.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/FileDeletion.h"
 #include "engine/erase/SecureRemoveTask.h"
+#include "srm/NoFollowPath.h"
 
 #include <QDebug>
 #include <QFile>
 #include <QProcess>
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,20 +17,72 @@
 namespace velmora {
 namespace {
 
-// A folder that cannot be read counts as holding entries: it cannot be shown empty.
-bool folderHasEntries(const QString& path) {
-    DIR* folder = opendir(QFile::encodeName(path).constData());
-    if (!folder) return true;
-    bool hasEntries = false;
-    while (const dirent* entry = readdir(folder)) {
-        const QByteArray name(entry->d_name);
-        if (name != "." && name != "..") {
-            hasEntries = true;
-            break;
+constexpr qsizetype kMaxToolErrors = 2048;
+
+bool existsOnDisk(const QString& path) {
+    struct stat info;
+    return lstat(QFile::encodeName(path).constData(), &info) == 0;
+}
+
+// The bundle rule (an application removed whole, without overwriting) belongs to
+// macOS; elsewhere a folder named ".app" is erased like any folder.
+bool isApplicationBundle(const QString& path) {
+#ifdef Q_OS_MACOS
+    return path.endsWith(".app");
+#else
+    Q_UNUSED(path);
+    return false;
+#endif
+}
+
+bool isPinnedAs(const FileObj& file, const struct stat& now) {
+    if (file.device == 0 && file.inode == 0) return true;
+    return quint64(now.st_dev) == file.device && quint64(now.st_ino) == file.inode;
+}
+
+// The tool's own words ("srm: PATH: reason" lines), the first few joined; the path
+// is left out where it is the item's own.
+QString reasonFromToolErrors(const QByteArray& errors, const QString& path) {
+    const QByteArray ownPrefix = "srm: " + QFile::encodeName(path) + ": ";
+    QStringList reasons;
+    for (QByteArray line : errors.split('\n')) {
+        if (line.startsWith(ownPrefix)) line.remove(0, ownPrefix.size());
+        else if (line.startsWith("srm: ")) line.remove(0, 5);
+        if (!line.trimmed().isEmpty() && reasons.size() < 3) reasons.append(QString::fromLocal8Bit(line.trimmed()));
+    }
+    return reasons.join("; ");
+}
+
+// Unlinks an empty file without the tool, but only while it really is one: a regular
+// file with one link and no data, checked on the open file right before the unlink
+// and again after it. Answers false, with nothing removed, when that cannot be shown
+// before the unlink; *failure is set when something went wrong after it.
+bool unlinkIfEmpty(const QString& path, const FileObj& file, QString* failure) {
+    const QByteArray name = QFile::encodeName(path);
+    const qsizetype slash = name.lastIndexOf('/');
+    if (slash < 0) return false;
+    const int folderFd = openFolderNoFollow(slash == 0 ? std::string("/") : name.left(slash).toStdString());
+    if (folderFd < 0) return false;
+    const QByteArray leaf = name.mid(slash + 1);
+    const int fd = openat(folderFd, leaf.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    struct stat before;
+    bool unlinked = false;
+    if (fd >= 0 && fstat(fd, &before) == 0 && S_ISREG(before.st_mode) && before.st_size == 0 &&
+        before.st_nlink == 1 && isPinnedAs(file, before)) {
+        struct stat atName;
+        // The name must still lead to the file that was checked.
+        if (fstatat(folderFd, leaf.constData(), &atName, AT_SYMLINK_NOFOLLOW) == 0 && atName.st_dev == before.st_dev &&
+            atName.st_ino == before.st_ino) {
+            unlinked = unlinkat(folderFd, leaf.constData(), 0) == 0;
+            if (!unlinked) *failure = QString("cannot remove it: %1").arg(qt_error_string(errno));
+            struct stat after;
+            if (unlinked && fstat(fd, &after) == 0 && after.st_size != 0)
+                *failure = "data was written to it while it was being removed; that data was not overwritten";
         }
     }
-    closedir(folder);
-    return hasEntries;
+    if (fd >= 0) close(fd);
+    close(folderFd);
+    return unlinked || !failure->isEmpty();
 }
 
 }  // namespace
@@ -49,13 +102,13 @@ int RemoveFileAndFolder::getEraserTimes() { return EraserLevel::clamped(); }
 bool RemoveFileAndFolder::checkPermissions(const QString& path) {
     const QByteArray name = QFile::encodeName(path);
     // Non-blocking, so that a named pipe without a reader cannot hang the engine.
-    const int fd = open(name.constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int fd = open(name.constData(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (fd >= 0) {
         close(fd);
         return true;
     }
     if (errno != EACCES) return true;
-    return chmod(name.constData(), 0600) == 0;
+    return FileDeletion::addOwnerWrite(path);
 }
 
 void RemoveFileAndFolder::benginToTraskWithArr(const FileObjList& files) {
@@ -63,11 +116,16 @@ void RemoveFileAndFolder::benginToTraskWithArr(const FileObjList& files) {
     m_results.clear();
     m_allFilesArr = files;
     m_cancelled = false;
+    m_itemCounts.clear();
+    for (const FileObj& file : files) m_itemCounts.append(EraseList::itemCount(file));
+    m_itemTotal = 0;
+    for (int count : std::as_const(m_itemCounts)) m_itemTotal += count;
+    m_itemsDone = 0;
     if (files.isEmpty()) {
         QMetaObject::invokeMethod(this, &RemoveFileAndFolder::doneErasing, Qt::QueuedConnection);
         return;
     }
-    emit removeProgress(files.size() == 1 ? 80.0f : 0.0f, files.first().url, 0);
+    emit removeProgress(m_itemTotal == 1 ? 80.0f : 0.0f, files.first().url, 0);
     runTaskWithPath();
 }
 
@@ -80,69 +138,119 @@ void RemoveFileAndFolder::isCancel() {
 void RemoveFileAndFolder::runTaskWithPath() {
     if (m_index >= m_allFilesArr.size()) return;
     FileObj file = m_allFilesArr.at(m_index);
+    m_itemsInRecord = 0;
     qInfo("-------::%s", qUtf8Printable(file.url));
-    // Links are never followed: a link to a folder is erased as the link itself.
+    // What is there now decides, not what was listed; links are never followed.
     struct stat info;
-    const bool isFolder = lstat(QFile::encodeName(file.url).constData(), &info) == 0 && S_ISDIR(info.st_mode);
-    if (!isFolder) {
-        if (file.size != 0)
-            launchSecureRemove(file);
-        else
-            removeDirectly(file);
+    if (lstat(QFile::encodeName(file.url).constData(), &info) != 0) {
+        finishDirectStep(file, "it was no longer there when the erase reached it");
+    } else if (!isPinnedAs(file, info)) {
+        finishDirectStep(file, "it was replaced after the erase was confirmed; left alone");
+    } else if (S_ISDIR(info.st_mode) && !file.isDir) {
+        finishDirectStep(file, "it is a folder, but was not chosen as one; left alone");
+    } else if (S_ISDIR(info.st_mode) && isApplicationBundle(file.url)) {
+        removeBundle(file);
+    } else if (S_ISREG(info.st_mode) && info.st_size == 0 && info.st_nlink == 1) {
+        removeEmptyFile(file);
     } else {
-        removeFolder(file, !folderHasEntries(file.url));
+        launchSecureRemove(file);
     }
 }
 
 void RemoveFileAndFolder::launchSecureRemove(FileObj& file) {
+    m_toolOutput.clear();
+    m_toolErrors.clear();
     const QString options = EraserLevel::optionString(getEraserTimes(), file.isSSD);
-    m_task = startSecureRemoveTask(this, options, file.url, [this] { doneErasing(); });
+    m_task = startSecureRemoveTask(this, options, file.url,
+                                   [this](bool exitedNormally, int exitCode) { toolEnded(exitedNormally, exitCode); });
+    connect(m_task, &QProcess::readyReadStandardOutput, this, &RemoveFileAndFolder::readToolProgress);
+    connect(m_task, &QProcess::readyReadStandardError, this, [this] {
+        const QByteArray errors = m_task->readAllStandardError();
+        m_toolErrors.append(errors.left(kMaxToolErrors - m_toolErrors.size()));
+    });
 
-    // The verdict is a forecast taken while the tool runs; the page decides the
-    // final result by whether the path still exists.
-    if (FileDeletion::isDeletableFileAtPath(file.url) && checkPermissions(file.url)) {
-        file.failStr = "Success";
-    } else {
+    // A forecast taken while the tool runs; the verdict comes when it ends.
+    if (!FileDeletion::isDeletableFileAtPath(file.url) || !checkPermissions(file.url)) {
         qWarning("--没有权限--------%s", qUtf8Printable(file.url));
-        file.failStr = "Fail";
         emit haveFailEraser();
     }
     m_results.append(file);
 }
 
-void RemoveFileAndFolder::removeDirectly(FileObj& file) {
-    // Nothing to overwrite: an empty file is unlinked without the tool.
-    if (FileDeletion::removeItemAtPath(file.url)) {
+void RemoveFileAndFolder::readToolProgress() {
+    m_toolOutput.append(m_task->readAllStandardOutput());
+    // Inside a folder the tool reports each item it removed; the record's own end is
+    // reported by doneErasing.
+    for (qsizetype end = m_toolOutput.indexOf('\n'); end >= 0; end = m_toolOutput.indexOf('\n')) {
+        const QByteArray line = m_toolOutput.left(end);
+        m_toolOutput.remove(0, end + 1);
+        if (!line.startsWith("removed ")) continue;
+        ++m_itemsInRecord;
+        if (m_cancelled || m_itemsInRecord >= m_itemCounts.at(m_index)) continue;
+        const int done = m_itemsDone + m_itemsInRecord;
+        emit removeProgress(progressFor(done), QString::fromLocal8Bit(line.mid(8)), done);
+    }
+}
+
+void RemoveFileAndFolder::toolEnded(bool exitedNormally, int exitCode) {
+    FileObj& file = m_results.last();
+    if (m_task) m_toolErrors.append(m_task->readAllStandardError().left(kMaxToolErrors - m_toolErrors.size()));
+    const QString toolSaid = reasonFromToolErrors(m_toolErrors, file.url);
+    QString failure;
+    if (!exitedNormally)
+        failure = exitCode == -1 && m_task && m_task->error() == QProcess::FailedToStart
+                      ? "the secure-remove tool could not be started"
+                      : "the secure-remove tool was stopped before it was done";
+    else if (exitCode != 0)
+        failure = toolSaid.isEmpty() ? QString("the secure-remove tool failed (status %1)").arg(exitCode) : toolSaid;
+    else if (existsOnDisk(file.url))
+        failure = "it is still there after the secure-remove tool ended";
+    file.failStr = failure.isEmpty() ? "Success" : "Fail";
+    file.failReason = failure;
+    if (!failure.isEmpty()) {
+        qInfo("erase failed: %s: %s", qUtf8Printable(file.url), qUtf8Printable(failure));
+        emit haveFailEraser();
+    }
+    doneErasing();
+}
+
+void RemoveFileAndFolder::removeEmptyFile(FileObj& file) {
+    QString failure;
+    if (!unlinkIfEmpty(file.url, file, &failure)) {
+        // Not provably an empty file with one name: the tool handles it like any file.
+        launchSecureRemove(file);
+        return;
+    }
+    if (failure.isEmpty())
         qInfo("rm file sec %s", qUtf8Printable(file.url));
-        file.failStr = "Success";
-    } else {
+    else
         qWarning("rm file fail %s", qUtf8Printable(file.url));
-        file.failStr = "Fail";
-    }
-    m_results.append(file);
-    finishAfterDirectStep();
+    finishDirectStep(file, failure);
 }
 
-void RemoveFileAndFolder::removeFolder(FileObj& file, bool isEmpty) {
-    if ((file.isDir && isEmpty) || file.url.endsWith(".app")) {
-        // An application bundle goes whole, without overwriting, and counts as done.
-        FileDeletion::removeItemAtPath(file.url);
-        file.failStr = "Success";
-    } else {
-        file.failStr = "Fail";
-        emit haveFailEraser();
-    }
-    m_results.append(file);
-    finishAfterDirectStep();
+void RemoveFileAndFolder::removeBundle(FileObj& file) {
+    // An application bundle goes whole, without overwriting.
+    const bool removed = FileDeletion::removeItemAtPath(file.url) && !existsOnDisk(file.url);
+    finishDirectStep(file, removed ? QString() : "the application bundle could not be removed");
 }
 
-void RemoveFileAndFolder::finishAfterDirectStep() {
+void RemoveFileAndFolder::finishDirectStep(FileObj& file, const QString& failure) {
+    file.failStr = failure.isEmpty() ? "Success" : "Fail";
+    file.failReason = failure;
+    if (!failure.isEmpty()) emit haveFailEraser();
+    m_results.append(file);
     // Through the event loop, so that a long run of direct steps neither deepens
     // the stack nor blocks the thread.
     QMetaObject::invokeMethod(this, &RemoveFileAndFolder::doneErasing, Qt::QueuedConnection);
 }
 
+float RemoveFileAndFolder::progressFor(int itemsDone) const {
+    const int progress = itemsDone * 100 / m_itemTotal;
+    return progress == 100 ? 98.0f : float(progress);
+}
+
 void RemoveFileAndFolder::doneErasing() {
+    if (m_index < m_itemCounts.size()) m_itemsDone += m_itemCounts.at(m_index);
     ++m_index;
     if (m_task) {
         m_task->disconnect(this);
@@ -150,8 +258,7 @@ void RemoveFileAndFolder::doneErasing() {
         m_task = nullptr;
     }
     if (m_index < m_allFilesArr.size() && !m_cancelled) {
-        const int progress = m_index * 100 / int(m_allFilesArr.size());
-        emit removeProgress(progress == 100 ? 98.0f : float(progress), m_allFilesArr.at(m_index).url, m_index);
+        emit removeProgress(progressFor(m_itemsDone), m_allFilesArr.at(m_index).url, m_itemsDone);
         runTaskWithPath();
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "engine/erase/FileObj.h"
 
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -9,12 +10,13 @@ class QProcess;
 
 namespace velmora {
 
-// The file eraser's engine. Takes an ordered list of records, children before the
-// folders that hold them, and erases one item at a time: a file with content is
-// overwritten and unlinked by the secure-remove tool at the current erasure level,
-// an empty file is unlinked, an emptied folder removed. The next item starts when
-// the tool's process ends. Runs on the thread that starts it, which needs an event
-// loop.
+// The file eraser's engine. Takes the erase list (EraseList::build) and erases one
+// item at a time: a file with content, a link or a folder with everything in it by
+// the secure-remove tool at the current erasure level, an empty file by unlinking it.
+// An item counts as erased ("Success") only when the tool exited normally with status
+// 0, or the direct removal succeeded, and the path is gone; otherwise it gets "Fail"
+// with the reason. The next item starts when the tool's process ends. Runs on the
+// thread that starts it, which needs an event loop.
 class RemoveFileAndFolder : public QObject {
     Q_OBJECT
 
@@ -27,34 +29,48 @@ public:
     // Cancels: a running tool is terminated and its end finishes the run. Items not
     // started yet get no verdict.
     void isCancel();
+    // How many items the current run touches: the records plus everything inside
+    // the folders among them. Progress counts these.
+    int itemCount() const { return m_itemTotal; }
 
     // The erasure level to run at: the stored one, values below 1 read as 1.
     static int getEraserTimes();
-    // Whether the item can be opened for writing, making it owner-writable when
-    // that is what stands in the way. Only a failed mode change answers false.
+    // Whether the item can be opened for writing, giving its owner the write
+    // permission when that is what stands in the way. Links are not followed. Only
+    // a failed permission change answers false.
     static bool checkPermissions(const QString& path);
 
 signals:
-    // Progress in percent before the item at index starts.
+    // Progress in percent with the item about to be handled (or just removed inside
+    // a folder) and the number of items done.
     void removeProgress(float progress, const QString& path, int index);
-    // An item was forecast to fail.
+    // An item failed or was forecast to fail.
     void haveFailEraser();
-    // The records handled, in completion order, each with "Success" or "Fail".
+    // The records handled, in order, each with "Success" or "Fail" (and its reason).
     void removeObjEnd(const velmora::FileObjList& results);
 
 private:
     void runTaskWithPath();
     void doneErasing();
     void launchSecureRemove(FileObj& file);
-    void removeDirectly(FileObj& file);
-    void removeFolder(FileObj& file, bool isEmpty);
-    void finishAfterDirectStep();
+    void readToolProgress();
+    void toolEnded(bool exitedNormally, int exitCode);
+    void removeEmptyFile(FileObj& file);
+    void removeBundle(FileObj& file);
+    void finishDirectStep(FileObj& file, const QString& failure);
+    float progressFor(int itemsDone) const;
 
     FileObjList m_allFilesArr;
     FileObjList m_results;
     QProcess* m_task = nullptr;
     int m_index = 0;
     bool m_cancelled = false;
+    QList<int> m_itemCounts;   // per record
+    int m_itemTotal = 0;
+    int m_itemsDone = 0;       // in the records before the current one
+    int m_itemsInRecord = 0;   // reported removed by the tool in the current record
+    QByteArray m_toolOutput;   // a progress line not yet complete
+    QByteArray m_toolErrors;   // the start of what the tool said went wrong
 };
 
 }  // namespace velmora

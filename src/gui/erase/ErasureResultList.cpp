@@ -23,6 +23,7 @@ ErasureResultList::ErasureResultList(const FileObjList& results, QWidget* parent
     for (const FileObj& record : results) {
         auto* row = new QTreeWidgetItem(this, {record.url, record.failStr});
         row->setToolTip(0, record.url);
+        if (!record.failReason.isEmpty()) row->setToolTip(1, record.failReason);
         row->setFont(0, Style::regularFont(11));
         row->setFont(1, Style::boldFont(11));
         row->setForeground(0, Style::kSecondaryText);

@@ -494,12 +494,13 @@ void FileEraserViewController::doEraserSelectFiles() {
             Qt::QueuedConnection);
 
     const FileObjList eraseList = EraseList::build(m_valueArr);
-    m_eraseCount = int(eraseList.size());
     if (m_superDelegate) m_superDelegate->canChangeType(false);
     m_eraserTimeR = 0;
     m_eraserTimer->start();
     eraserTimeAction();
     m_engine->benginToTraskWithArr(eraseList);
+    // Progress counts every item the run touches, folder contents included.
+    m_eraseCount = m_engine->itemCount();
 }
 
 void FileEraserViewController::eraserTimeAction() {
@@ -530,19 +531,29 @@ void FileEraserViewController::cancelShred() {
     if (m_engine) m_engine->isCancel();
 }
 
-void FileEraserViewController::removeObjEnd(const FileObjList&) {
+void FileEraserViewController::removeObjEnd(const FileObjList& results) {
     if (m_progressPanel) m_progressPanel->close();
     m_eraserTimer->stop();
     if (m_superDelegate) m_superDelegate->canChangeType(true);
 
-    // The outcome is what is left on disk, whatever the engine forecast.
+    // Erased only when the engine erased the item (the tool succeeded) and nothing is
+    // left at its path. The results follow the ticked records in order; records the
+    // run did not reach (cancelled) have none.
     FileObjList remaining;
+    qsizetype next = 0;
     for (FileObj record : std::as_const(m_valueArr)) {
         if (!record.isSelect) {
             remaining.append(record);
             continue;
         }
-        record.failStr = existsOnDisk(record.url) ? "Failed" : "Erased";
+        const FileObj* outcome = next < results.size() ? &results.at(next) : nullptr;
+        ++next;
+        const bool erased = outcome && outcome->failStr == "Success" && !existsOnDisk(record.url);
+        record.failStr = erased ? "Erased" : "Failed";
+        if (!erased)
+            record.failReason = outcome && !outcome->failReason.isEmpty() ? outcome->failReason
+                                : outcome ? "it is still there" : "the erase did not reach it";
+        if (!erased) m_isFailedEraser = true;
         m_deleteErrorArr.append(record);
     }
 
