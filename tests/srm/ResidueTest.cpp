@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <tuple>
 
 #include <fcntl.h>
@@ -63,6 +64,50 @@ TEST_P(SrmResidue, MarkerIsNowhereInTheRawImageAfterErasure)
     ASSERT_TRUE(volume.unmountAll());
     EXPECT_EQ(volume.countInImage(marker), 0)
         << "the marker survived " << options << " on " << fileSystem;
+}
+
+// Whether the process has the file open, read from /proc.
+bool hasOpen(pid_t pid, const std::string& path)
+{
+    const std::string folder = "/proc/" + std::to_string(pid) + "/fd";
+    for (int fd = 0; fd < 64; ++fd) {
+        char target[4096];
+        const ssize_t length = readlink((folder + "/" + std::to_string(fd)).c_str(), target, sizeof target);
+        if (length > 0 && std::string(target, static_cast<std::size_t>(length)) == path)
+            return true;
+    }
+    return false;
+}
+
+// Data appended while the passes run would be freed unwritten when the file is
+// emptied at the end, so a file that grew is overwritten again up to its new size.
+TEST(SrmGrowingFile, DataAppendedDuringThePassesIsOverwrittenToo)
+{
+    LoopVolume volume;
+    std::string mountPoint;
+    if (const std::string problem = volume.formatAndMount("ext4", "growing", mountPoint); !problem.empty())
+        GTEST_SKIP() << "SKIPPED: " << problem;
+    const std::string file = mountPoint + "/growing.bin";
+    writeSynced(file, std::string(24 << 20, 'g'));
+    const std::string marker = uniqueMarker();
+
+    const pid_t srm = spawnQuietly({std::string(std::getenv("VELMORA_BIN_DIR")) + "/srm", "-mvz", "--", file});
+    ASSERT_GT(srm, 0);
+    for (int waited = 0; waited < 2000 && !hasOpen(srm, file); ++waited)
+        usleep(1000);
+    ASSERT_TRUE(hasOpen(srm, file)) << "srm never opened the file";
+    const int appender = open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    ASSERT_GE(appender, 0);
+    const std::string appended = repeated(marker, 1 << 20);
+    EXPECT_EQ(write(appender, appended.data(), appended.size()), static_cast<ssize_t>(appended.size()));
+    EXPECT_EQ(fsync(appender), 0);
+    close(appender);
+    bool timedOut = false;
+    EXPECT_EQ(waitForChild(srm, 300, timedOut), 0);
+    EXPECT_FALSE(exists(file));
+
+    ASSERT_TRUE(volume.unmountAll());
+    EXPECT_EQ(volume.countInImage(marker), 0) << "the appended data survived";
 }
 
 INSTANTIATE_TEST_SUITE_P(LoopImages, SrmResidue,

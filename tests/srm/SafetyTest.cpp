@@ -72,6 +72,27 @@ TEST(SrmSafety, RecursiveWalkRemovesLinksInsideTheTreeButNeverCrossesThem)
     EXPECT_EQ(readFile(outside + "/file.txt"), "outside data");
 }
 
+// A folder on the way to a path that was swapped for a link must not carry the
+// erasure to where the link points.
+TEST(SrmSafety, LinkOnTheWayToAPathIsNeverFollowed)
+{
+    TempDir dir;
+    const std::string outside = dir / "outside";
+    makeFolder(outside);
+    makeFolder(outside + "/tree");
+    writeFile(outside + "/tree/file.txt", "outside data");
+    writeFile(outside + "/single.txt", "outside single");
+    symlinkTo(outside, dir / "swapped");
+
+    for (const std::string& path : {dir / "swapped/tree", dir / "swapped/single.txt", dir / "swapped/tree/file.txt"}) {
+        const ProcessResult run = runSrm({"-fsvrz", "--", path});
+        EXPECT_EQ(run.status, 1) << path;
+        EXPECT_NE(run.err.find("symbolic link"), std::string::npos) << run.err;
+    }
+    EXPECT_EQ(readFile(outside + "/tree/file.txt"), "outside data");
+    EXPECT_EQ(readFile(outside + "/single.txt"), "outside single");
+}
+
 TEST(SrmSafety, SymbolicLinkToFileIsRemovedAndTargetKept)
 {
     TempDir dir;
