@@ -1,7 +1,7 @@
 // The free-space fill's files and its fill folder on a plain folder standing in
 // for a volume (its device number pins it): what the files hold, and that the
 // folder cannot be redirected. Runs that write until the volume is full need a
-// bounded volume and live in FillLoopTest.cpp; here a run only fails early.
+// mounted volume and live in FillLoopTest.cpp; here a run only fails early.
 #include "VolumeTestSupport.h"
 #include "WipeRun.h"
 #include "engine/erase/EraserLevel.h"
@@ -208,10 +208,16 @@ TEST_F(FillTest, LeftoverOfAKilledRunIsRemovedButNeverThroughALink) {
     EXPECT_FALSE(FillFolder::isFillFileName("velmora_1"));
 }
 
-// A fill folder that cannot be made ends the run as failed after its first pass:
-// no other folder is used, every chosen pass either runs or the run ends, and the
-// next run is not held up by anything this one left.
-TEST_F(FillTest, FolderThatCannotBeMadeFailsTheRunWithoutFallback) {
+// A run fills only the root of a mounted volume (a plain folder would have the
+// whole file system it lies on filled): here it ends as failed after its first
+// pass, writes nothing, uses no other folder, and leaves nothing that holds up
+// the next run.
+TEST_F(FillTest, RunOnAFolderThatIsNoVolumeRootFailsWithoutWriting) {
+    QString problem;
+    EXPECT_TRUE(FillFolder::isVolumeRoot("/", deviceOf("/"), &problem)) << problem.toStdString();
+    EXPECT_FALSE(FillFolder::isVolumeRoot(volume(), device(), &problem));
+    EXPECT_TRUE(problem.contains("is not the root of a mounted volume")) << problem.toStdString();
+
     ASSERT_TRUE(QFile::link(outside(), fillFolder()));
     const WipeRun run = runExpectingEarlyFailure(3);
     ASSERT_TRUE(run.ended) << "timed out " << run.timedOut;

@@ -175,6 +175,17 @@ bool FillFolder::removeLeftover(const QString& mountPoint, quint64 device, QStri
     return removed;
 }
 
+bool FillFolder::isVolumeRoot(const QString& mountPoint, quint64 device, QString* problem) {
+    const int mountFd = openMountPoint(mountPoint, device, problem);
+    if (mountFd < 0) return false;
+    struct stat root, parent;
+    const bool isRoot = ::fstat(mountFd, &root) == 0 && ::fstatat(mountFd, "..", &parent, AT_SYMLINK_NOFOLLOW) == 0 &&
+                        (parent.st_dev != root.st_dev || parent.st_ino == root.st_ino);
+    ::close(mountFd);
+    if (!isRoot) *problem = mountPoint + " is not the root of a mounted volume";
+    return isRoot;
+}
+
 bool FillFolder::isFillFileName(const QByteArray& name) {
     static constexpr char kPrefix[] = ".velmora_";
     if (!name.startsWith(kPrefix) || name.size() == qsizetype(sizeof kPrefix) - 1) return false;

@@ -43,6 +43,10 @@ public:
     // none is left. A link, or a folder that is not ours, stays (false, with
     // the reason in problem).
     static bool removeLeftover(const QString& mountPoint, quint64 device, QString* problem);
+    // Whether the mount point is the root of the mounted file system on the device
+    // (its ".." lies on another one, or is itself, as for "/"): a plain folder
+    // would have the fill write up the whole file system it lies on.
+    static bool isVolumeRoot(const QString& mountPoint, quint64 device, QString* problem);
     // ".velmora_<digits>": the names of fill files.
     static bool isFillFileName(const QByteArray& name);
 

@@ -98,6 +98,12 @@ void FreeSpaceWipe::runPasses(qint64 fillCount, qint64 remainder, int passes, fl
     for (int k = 0; k < passes && !m_isCancelEraser; ++k) {
         ++m_iRoundTimes;
         m_times = 0;
+        QString problem;
+        if (!FillFolder::isVolumeRoot(mountPoint, device, &problem)) {
+            qWarning("Create finder fail: %s", qPrintable(problem));
+            recordFailure(kFolderFailText);
+            break;
+        }
         FillFolder folder(mountPoint, device);
         if (!folder.isOpen()) {
             qWarning("Create finder fail: %s", qPrintable(folder.problem()));
