@@ -3,7 +3,7 @@
 #include "cli/Terminal.h"
 #include "engine/duplicate/DuplicateFilesOpt.h"
 #include "engine/duplicate/DuplicateResults.h"
-#include "engine/erase/KxAuthorization.h"
+#include "engine/duplicate/DuplicateRemover.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,8 +18,13 @@ namespace {
 
 const char* const kUsage = "usage: velmora-cli dupes [--hidden] [--system] [--json] [--delete [--yes]] DIR";
 
+struct SearchResult {
+    SimpleTreeNode::Pointer tree;
+    QStringList unreadable;
+};
+
 // Runs the search on a worker thread and draws its progress meanwhile.
-SimpleTreeNode::Pointer search(const QString& folder, bool hidden, bool system) {
+SearchResult search(const QString& folder, bool hidden, bool system) {
     DuplicateFilesOpt finder;
     finder.setSearchOption({hidden, system});
     std::future<bool> searched = std::async(std::launch::async, [&] { return finder.beginSearchAtPath(folder, 0); });
@@ -30,9 +35,20 @@ SimpleTreeNode::Pointer search(const QString& folder, bool hidden, bool system) 
         bar.update(100);
     }
     searched.get();
-    SimpleTreeNode::Pointer tree;
-    if (!finder.getDuplicateFiles(tree)) tree = SimpleTreeNode::create(SimpleNodeData::groupDataWithName("Root"));
-    return tree;
+    SearchResult result;
+    if (!finder.getDuplicateFiles(result.tree))
+        result.tree = SimpleTreeNode::create(SimpleNodeData::groupDataWithName("Root"));
+    result.unreadable = finder.unreadablePaths();
+    return result;
+}
+
+// What could not be read may have copies the search could not see.
+void reportUnreadable(const QStringList& unreadable) {
+    if (unreadable.isEmpty()) return;
+    for (const QString& path : unreadable) printErr(QString("velmora-cli: could not read \"%1\"").arg(path));
+    printErr(QString("%1 %2 could not be read and %3 not compared")
+                 .arg(unreadable.size())
+                 .arg(unreadable.size() == 1 ? "item" : "items", unreadable.size() == 1 ? "was" : "were"));
 }
 
 void printGroups(const SimpleTreeNode& tree) {
@@ -60,33 +76,41 @@ void printGroupsJson(const SimpleTreeNode& tree) {
     printJson(QJsonDocument(QJsonObject{{"groups", groups}}));
 }
 
-// Removes what select-all selects: every copy but the last of each group.
+// Removes what select-all selects: every copy but the last of each group,
+// each only while it still equals a copy that stays.
 int removeCopies(const SimpleTreeNode::Pointer& tree, bool json) {
     DuplicateResults results(tree);
     results.setAllSelectOrNoSelect(*tree, true);
     const QList<SimpleTreeNode::Pointer> selected = results.allSelectNumArr();
+    const QList<DuplicateRemover::Removal> removals = DuplicateRemover::plan(selected);
+    DuplicateRemover remover;
     QList<SimpleTreeNode::Pointer> removed;
+    QStringList leftReasons;
+    bool refusedByTheSystem = false;
     quint64 freed = 0;
     {
         ProgressBar bar("Removing");
         for (qsizetype i = 0; i < selected.size(); ++i) {
             const SimpleTreeNode::Pointer& leaf = selected[i];
-            if (!KxAuthorization::shareKxAuthorization()->synFastRemovePath(leaf->data().name)) continue;
+            const DuplicateRemover::Verdict verdict = remover.remove(removals[i]);
+            bar.update(double(i + 1) * 100 / selected.size(), leaf->data().name);
+            if (!verdict.removed()) {
+                leftReasons.append(QString("velmora-cli: left \"%1\": %2").arg(leaf->data().name, verdict.reason));
+                refusedByTheSystem = refusedByTheSystem || verdict.outcome == DuplicateRemover::Outcome::Failed;
+                continue;
+            }
             removed.append(leaf);
             freed += leaf->data().fileSize;
             results.refreshOutlineView(*leaf);
-            bar.update(double(i + 1) * 100 / selected.size(), leaf->data().name);
         }
     }
     const qsizetype left = results.forgetRemoved(removed);
+    for (const QString& reason : std::as_const(leftReasons)) printErr(reason);
     const QString summary = QString("removed %1 of %2 copies, %3 bytes").arg(removed.size()).arg(selected.size()).arg(freed);
     if (json) printErr(summary);
     else printOut("\n" + summary);
-    if (left > 0) {
-        printErr("Some files that require admin access can't be removed!");
-        return 1;
-    }
-    return 0;
+    if (refusedByTheSystem) printErr("Some files that require admin access can't be removed!");
+    return left > 0 ? 1 : 0;
 }
 
 }  // namespace
@@ -111,9 +135,11 @@ int runDupesCommand(QStringList args) {
         return 1;
     }
 
-    const SimpleTreeNode::Pointer tree = search(folder, hidden, system);
+    const SearchResult found = search(folder, hidden, system);
+    const SimpleTreeNode::Pointer& tree = found.tree;
     if (json) printGroupsJson(*tree);
     else printGroups(*tree);
+    reportUnreadable(found.unreadable);
 
     if (!remove || tree->children().isEmpty()) return 0;
     if (!yes && !confirm("Remove every copy but the kept one of each group? This cannot be undone.")) return 0;

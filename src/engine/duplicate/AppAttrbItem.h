@@ -13,6 +13,7 @@ struct AppAttrbItem {
     QString DirectoryName;
     quint64 DirectorySize = 0;  // sum of the sizes of the non-folder entries
     QList<fileAttrbItem> AllFileInDirectory;
+    FileIdentity identity;  // of the bundle folder, as listed
 };
 
 }  // namespace velmora

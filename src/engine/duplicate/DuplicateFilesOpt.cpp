@@ -43,11 +43,17 @@ QString DuplicateFilesOpt::getCurrentSearchFile() {
 
 namespace {
 
-SimpleTreeNode::Pointer makeLeaf(const QString& path, quint64 size, const QDateTime& modified) {
+SimpleTreeNode::Pointer makeLeaf(const QString& path, quint64 size, const QDateTime& modified,
+                                 const FileIdentity& identity) {
     SimpleNodeData data = SimpleNodeData::leafDataWithName(path);
     data.fileSize = size;
     data.modificationDate = modified;
+    data.identity = identity;
     return SimpleTreeNode::create(std::move(data));
+}
+
+SimpleTreeNode::Pointer makeLeaf(const fileAttrbItem& file) {
+    return makeLeaf(file.filePathName, file.fileSize, file.ModificationDate, file.identity);
 }
 
 SimpleTreeNode::Pointer makeGroup(const QString& name, const QString& extension) {
@@ -63,6 +69,10 @@ void appendLeaf(SimpleTreeNode& group, const SimpleTreeNode::Pointer& leaf) {
 
 }  // namespace
 
+QStringList DuplicateFilesOpt::unreadablePaths() const {
+    return m_search ? m_search->unreadablePaths() : QStringList();
+}
+
 bool DuplicateFilesOpt::getDuplicateFiles(SimpleTreeNode::Pointer& out) {
     if (!m_search) return false;
     const QList<fileAttrbItem>& files = m_search->getAllDuplicateFile();
@@ -73,7 +83,7 @@ bool DuplicateFilesOpt::getDuplicateFiles(SimpleTreeNode::Pointer& out) {
     for (const QList<AppAttrbItem>& members : appGroups) {
         SimpleTreeNode::Pointer group = makeGroup(members.last().DirectoryName, "APP");
         for (const AppAttrbItem& bundle : members)
-            appendLeaf(*group, makeLeaf(bundle.DirectoryPathName, bundle.DirectorySize, {}));
+            appendLeaf(*group, makeLeaf(bundle.DirectoryPathName, bundle.DirectorySize, {}, bundle.identity));
         root->appendChild(group);
     }
 
@@ -86,8 +96,8 @@ bool DuplicateFilesOpt::getDuplicateFiles(SimpleTreeNode::Pointer& out) {
         const fileAttrbItem& first = files[runStart];
         SimpleTreeNode::Pointer group = makeGroup(first.fileName, PathNames::pathExtension(first.fileName));
         for (qsizetype i = runStart + 1; i < runEnd; ++i)
-            appendLeaf(*group, makeLeaf(files[i].filePathName, files[i].fileSize, files[i].ModificationDate));
-        appendLeaf(*group, makeLeaf(first.filePathName, first.fileSize, first.ModificationDate));
+            appendLeaf(*group, makeLeaf(files[i]));
+        appendLeaf(*group, makeLeaf(first));
         root->appendChild(group);
         runStart = runEnd;
     }

@@ -41,6 +41,10 @@ public:
     // nothing was found.
     bool getDuplicateFiles(SimpleTreeNode::Pointer& out);
 
+    // After the search: the files it could not read and the folders it could
+    // not list (their copies, if any, are not in the tree).
+    QStringList unreadablePaths() const;
+
 private:
     SearchOption m_option;
     std::unique_ptr<duplicateFind> m_search;      // created once, kept until destruction

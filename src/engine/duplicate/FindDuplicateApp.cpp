@@ -5,6 +5,7 @@
 #include "engine/duplicate/PathNames.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <algorithm>
 #include <numeric>
 #include <dirent.h>
@@ -61,8 +62,12 @@ QList<qsizetype> membersOfSharedClasses(const QList<QList<qsizetype>>& classes) 
 }  // namespace
 
 bool FindDuplicateApp::getAllFilePathName(AppAttrbItem& bundle) {
-    struct stat st;
-    if (stat(QFile::encodeName(bundle.DirectoryPathName).constData(), &st) != 0 || !S_ISDIR(st.st_mode)) return false;
+    struct stat st, parent;
+    const QString folder = QFileInfo(bundle.DirectoryPathName).path();
+    if (lstat(QFile::encodeName(bundle.DirectoryPathName).constData(), &st) != 0 || !S_ISDIR(st.st_mode) ||
+        lstat(QFile::encodeName(folder).constData(), &parent) != 0)
+        return false;
+    bundle.identity = FileIdentity::of(st, parent);
     listFilesBelow(bundle.DirectoryPathName, bundle);
     return true;
 }
@@ -76,7 +81,7 @@ void FindDuplicateApp::computeFirstBlocks(QList<AppAttrbItem>& bundles, const QL
     for (qsizetype b : which)
         for (fileAttrbItem& file : bundles[b].AllFileInDirectory) files.append(&file);
     FingerprintPool::run(files.size(), [&](algorithm& worker, qsizetype i) { worker.getMD5_1K(*files[i]); },
-                         m_StopSearch);
+                         m_StopSearch, m_maxWorkers);
 }
 
 void FindDuplicateApp::computeWholeFiles(QList<AppAttrbItem>& bundles, const QList<qsizetype>& which) {
@@ -87,7 +92,7 @@ void FindDuplicateApp::computeWholeFiles(QList<AppAttrbItem>& bundles, const QLi
             if (file.md5 == 0 && file.fileSize > 0) files.append(&file);
     }
     FingerprintPool::run(files.size(), [&](algorithm& worker, qsizetype i) { worker.getMD5(*files[i]); },
-                         m_StopSearch);
+                         m_StopSearch, m_maxWorkers);
 }
 
 void FindDuplicateApp::FindAppInArray(const QStringList& appPaths, QList<QList<AppAttrbItem>>& outArray) {

@@ -21,6 +21,8 @@ public:
 
     int progress() const { return m_Progress.load(std::memory_order_relaxed); }
     void setM_StopSearch(bool stop) { m_StopSearch.store(stop, std::memory_order_relaxed); }
+    // How many files may be read at once (each holds one descriptor).
+    void setMaxWorkers(qsizetype workers) { m_maxWorkers = workers; }
     QString currentSearchFile() const { return m_CurrentSearchFile.get(); }
 
     // Lists the files inside the bundle and sums their sizes; false when the
@@ -36,6 +38,7 @@ private:
     std::atomic<int> m_Progress{0};  // percent of bundles still to examine, counting down
     std::atomic<bool> m_StopSearch{false};
     CurrentPath m_CurrentSearchFile;
+    qsizetype m_maxWorkers = 1;
 };
 
 }  // namespace velmora

@@ -1,6 +1,7 @@
 #include "engine/duplicate/FingerprintPool.h"
 
 #include <QThreadPool>
+#include <algorithm>
 #include <condition_variable>
 #include <mutex>
 
@@ -9,7 +10,7 @@ namespace velmora {
 // The hand-over to the pool and back is made with standard atomics and a
 // condition variable rather than QFuture, so that the order of every access
 // to the shared state is visible to ThreadSanitizer.
-bool FingerprintPool::run(qsizetype count, const Job& job, const std::atomic<bool>& stop) {
+bool FingerprintPool::run(qsizetype count, const Job& job, const std::atomic<bool>& stop, qsizetype maxWorkers) {
     std::atomic<qsizetype> next{0};
     std::atomic<bool> started{false};
     auto work = [&] {
@@ -24,7 +25,7 @@ bool FingerprintPool::run(qsizetype count, const Job& job, const std::atomic<boo
     };
 
     QThreadPool* pool = QThreadPool::globalInstance();
-    const qsizetype helpers = qMax<qsizetype>(0, qMin<qsizetype>(pool->maxThreadCount(), count - 1));
+    const qsizetype helpers = qMax<qsizetype>(0, std::min({qsizetype(pool->maxThreadCount()), count - 1, maxWorkers - 1}));
     std::mutex mutex;
     std::condition_variable allDone;
     qsizetype running = helpers;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/duplicate/FileIdentity.h"
+
 #include <QDateTime>
 #include <QString>
 #include <QtGlobal>
@@ -20,6 +22,7 @@ struct SimpleNodeData {
     bool Mark = false;         // a group: already placed in a category
     int fileType = 0;          // a group: its category number, 0 when none
     bool isLeaf = false;
+    FileIdentity identity;     // a leaf: the copy as the search saw it
 
     static SimpleNodeData leafDataWithName(const QString& name) {
         SimpleNodeData data;

@@ -16,11 +16,27 @@ namespace velmora {
 
 namespace {
 
+// Opens without following a link and without waiting on what is no regular
+// file. A process short of descriptors (other threads hold some for a
+// moment) tries again for a while rather than calling the file unreadable.
 int openForReading(const QString& path) {
-    int fd;
-    do fd = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    while (fd < 0 && errno == EINTR);
+    const QByteArray name = QFile::encodeName(path);
+    int fd = -1;
+    for (int attempt = 0; attempt < 200; ++attempt) {
+        do fd = open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+        while (fd < 0 && errno == EINTR);
+        if (fd >= 0 || (errno != EMFILE && errno != ENFILE)) break;
+        usleep(10000);
+    }
     return fd;
+}
+
+// The open file must be a regular file and, when the item was listed, still
+// the file listed: its bytes then stand for that file.
+bool isListedFile(int fd, const fileAttrbItem& item) {
+    struct stat st;
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) return false;
+    return item.identity.inode == 0 || item.identity.isSameFile(st);
 }
 
 // One read at `offset`; fewer bytes than asked mean the end of the file.
@@ -69,8 +85,10 @@ void OpenedFile::close() {
     m_fd = -1;
 }
 
-bool OpenedFile::open(const QString& path) {
-    m_fd = openForReading(path);
+bool OpenedFile::open(const fileAttrbItem& item) {
+    close();
+    m_fd = openForReading(item.filePathName);
+    if (m_fd >= 0 && !isListedFile(m_fd, item)) close();
     return m_fd >= 0;
 }
 
@@ -81,7 +99,7 @@ algorithm::~algorithm() = default;
 bool algorithm::getMD5_1K(fileAttrbItem& item, OpenedFile* file) {
     OpenedFile own;
     OpenedFile& opened = file ? *file : own;
-    if (!opened.open(item.filePathName)) {
+    if (!opened.open(item)) {
         qCInfo(lcDuplicate, "open file:%s failed", qUtf8Printable(item.filePathName));
         return false;
     }
@@ -106,7 +124,7 @@ bool algorithm::getMD5(fileAttrbItem& item, const OpenedFile* file) {
     for (;;) {
         OpenedFile own;
         const bool reuse = file && offset == 0 && file->fd() >= 0;
-        if (!reuse && !own.open(item.filePathName)) {
+        if (!reuse && !own.open(item)) {
             qCInfo(lcDuplicate, "open file :%s failed", qUtf8Printable(item.filePathName));
             return false;
         }

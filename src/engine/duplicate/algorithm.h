@@ -15,7 +15,9 @@ public:
     OpenedFile(const OpenedFile&) = delete;
     OpenedFile& operator=(const OpenedFile&) = delete;
 
-    bool open(const QString& path);
+    // Opens the item's file without following a link; false when it cannot
+    // be read or is no longer the file listed.
+    bool open(const fileAttrbItem& item);
     void close();
     int fd() const { return m_fd; }
     // False when the first page had to come from the disk, so that it was

@@ -5,6 +5,7 @@
 #include "engine/duplicate/FingerprintPool.h"
 
 #include <QFile>
+#include <QScopeGuard>
 #include <QSet>
 #include <algorithm>
 #include <numeric>
@@ -40,10 +41,18 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     QList<fileAttrbItem> files;
     QStringList appDirectories;
     const bool listed = m_enumerator.getListAtPath(path, files, appDirectories, limittedSize);
+    m_unreadable = m_enumerator.unreadableFolders();
 
+    // Each reading thread holds one descriptor at a time; what the budget
+    // has beyond that lets a group of same-size files stay open between
+    // its two reads.
+    DescriptorBudget budget(DescriptorBudget::availableNow());
+    const qsizetype workers = qBound<qsizetype>(1, budget.capacity() / 4, kMaxWorkers);
+    budget.tryTake(workers);
     if (!appDirectories.isEmpty()) {
         m_phase.store(Phase::Applications);
         if (stopped()) m_appFinder.setM_StopSearch(true);
+        m_appFinder.setMaxWorkers(workers);
         m_appFinder.FindAppInArray(appDirectories, m_appGroups);
     }
     m_appProgress.store(100, std::memory_order_relaxed);
@@ -55,7 +64,7 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     } else if (files.isEmpty()) {
         result = false;
     } else {
-        findDuplicateFiles(files);
+        findDuplicateFiles(files, budget, workers);
         result = true;
     }
     m_phase.store(Phase::Done);
@@ -68,7 +77,7 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
 // while it still shares its class with another file. Each group of equal
 // size is one job of the background pool: its files are opened once, their
 // first blocks read and compared, and those still alike read whole.
-void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files) {
+void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files, DescriptorBudget& budget, qsizetype workers) {
     const qsizetype total = files.size();
     std::atomic<qsizetype> settled{0};
     auto settle = [&](qsizetype count) {
@@ -90,8 +99,12 @@ void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files) {
 
     FingerprintPool::run(sameSize.size(), [&](algorithm& worker, qsizetype job) {
         const QList<qsizetype>& members = sameSize[job];
-        // Files stay open between their two reads, up to a bound.
-        const bool keepOpen = members.size() <= kMaxOpenPerSize;
+        // Files stay open between their two reads, up to a bound and while
+        // the descriptor budget allows.
+        const bool keepOpen = members.size() <= kMaxOpenPerSize && budget.tryTake(members.size());
+        const auto giveBack = qScopeGuard([&] {
+            if (keepOpen) budget.giveBack(members.size());
+        });
         std::vector<OpenedFile> opened(size_t(members.size()));
         QList<qsizetype> readable;  // positions in members
         for (qsizetype k = 0; k < members.size(); ++k) {
@@ -133,7 +146,10 @@ void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files) {
                 settle(1);
             }
         }
-    }, m_stop);
+    }, m_stop, workers);
+
+    for (qsizetype i = 0; i < total; ++i)
+        if (stage[i] == Stage::Failed) m_unreadable.append(items[i].filePathName);
 
     // Same whole file. When stopped, a class some of whose files were not
     // read is left out, so that every group reported is complete.

@@ -2,6 +2,7 @@
 
 #include "engine/duplicate/AppAttrbItem.h"
 #include "engine/duplicate/CurrentPath.h"
+#include "engine/duplicate/DescriptorBudget.h"
 #include "engine/duplicate/FindDuplicateApp.h"
 #include "engine/duplicate/fileAttrbItem.h"
 #include "engine/duplicate/getFileList.h"
@@ -35,12 +36,16 @@ public:
     // enumeration order, then the first copy found.
     const QList<fileAttrbItem>& getAllDuplicateFile() const { return m_duplicateFiles; }
     const QList<QList<AppAttrbItem>>& getAllAppDuplicateDir() const { return m_appGroups; }
+    // Files that could not be read to be compared, and folders that could
+    // not be listed: the search could not tell whether they have copies.
+    const QStringList& unreadablePaths() const { return m_unreadable; }
 
 private:
     enum class Phase { Idle, Enumerating, Applications, Files, Done };
     static constexpr qsizetype kMaxOpenPerSize = 64;  // descriptors one job keeps open
+    static constexpr qsizetype kMaxWorkers = 64;      // reading threads, the calling one included
 
-    void findDuplicateFiles(QList<fileAttrbItem>& files);
+    void findDuplicateFiles(QList<fileAttrbItem>& files, DescriptorBudget& budget, qsizetype workers);
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
 
     bool m_searchHiddenFile = true;
@@ -54,6 +59,7 @@ private:
     CurrentPath m_CurrentSearchPath;
     QList<fileAttrbItem> m_duplicateFiles;
     QList<QList<AppAttrbItem>> m_appGroups;
+    QStringList m_unreadable;
 };
 
 }  // namespace velmora

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/duplicate/FileIdentity.h"
+
 #include <QDateTime>
 #include <QString>
 #include <QtGlobal>
@@ -15,6 +17,7 @@ struct fileAttrbItem {
     QString filePathName;
     QString fileName;
     QDateTime ModificationDate;
+    FileIdentity identity;  // as listed; a copy is removed only while it still matches
 };
 
 }  // namespace velmora

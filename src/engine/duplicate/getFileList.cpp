@@ -4,36 +4,27 @@
 #include "engine/duplicate/PathNames.h"
 
 #include <QFile>
+#include <cerrno>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace velmora {
 
 namespace {
 
-qint64 modificationMSecs(const struct stat& st) {
-#if defined(__APPLE__)
-    return qint64(st.st_mtimespec.tv_sec) * 1000 + st.st_mtimespec.tv_nsec / 1000000;
-#else
-    return qint64(st.st_mtim.tv_sec) * 1000 + st.st_mtim.tv_nsec / 1000000;
-#endif
-}
-
-getFileList::Entry makeEntry(const QString& path, const struct stat& st) {
-    return {path, S_ISDIR(st.st_mode), quint64(st.st_size), modificationMSecs(st)};
-}
-
-// Opens a folder for listing; logs and answers null when it cannot be read.
-DIR* openFolder(const QString& folder) {
-    DIR* dir = opendir(QFile::encodeName(folder).constData());
-    if (!dir) qCInfo(lcDuplicate, "get contents Of Directory At Path failed%s: %s", qUtf8Printable(folder), strerror(errno));
-    return dir;
-}
-
 bool isDotOrDotDot(const char* name) {
     return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
+}
+
+int openFolder(const QString& path, int extraFlags) {
+    int fd;
+    do fd = open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | extraFlags);
+    while (fd < 0 && errno == EINTR);
+    return fd;
 }
 
 const char* const kSystemDirectories[] = {"Library", "Developer", "System", "Volumes", "bin", "sbin"};
@@ -51,13 +42,17 @@ bool getFileList::getListAtPath(const QString& path, QList<fileAttrbItem>& fileA
         if (!m_bSearchHiddenFile && IsHiddenFile(entry.path)) continue;
         if (getAppDirectory(entry, directoryArray, limittedSize)) continue;
         if (entry.isDirectory) continue;
-        if (entry.size > limittedSize) {
+        // A further hard link of a file listed already is the same file.
+        const Inode inode(entry.identity.device, entry.identity.inode);
+        if (entry.size > limittedSize && !m_seenFiles.contains(inode)) {
+            m_seenFiles.insert(inode);
             qCDebug(lcDuplicate, "file:%s filesize:%llu", qUtf8Printable(entry.path), entry.size);
             fileAttrbItem item;
             item.fileSize = entry.size;
             item.filePathName = entry.path;
             item.fileName = PathNames::lastComponent(entry.path);
-            item.ModificationDate = QDateTime::fromMSecsSinceEpoch(entry.modificationMSecs, Qt::UTC);
+            item.ModificationDate = QDateTime::fromMSecsSinceEpoch(entry.identity.modificationMSecs(), Qt::UTC);
+            item.identity = entry.identity;
             fileArray.append(std::move(item));
         }
     }
@@ -66,53 +61,94 @@ bool getFileList::getListAtPath(const QString& path, QList<fileAttrbItem>& fileA
 
 bool getFileList::getDirectoryAtPath(const QString& path, QList<Entry>& resultArray) {
     if (path.isEmpty()) return false;
-    DIR* dir = openFolder(path);
-    if (!dir) return false;
-    QStringList names;
-    while (const dirent* entry = readdir(dir))
-        if (!isDotOrDotDot(entry->d_name)) names.append(QFile::decodeName(entry->d_name));
-    closedir(dir);
-
-    for (const QString& name : names) {
-        const QString fullPath = PathNames::appendComponent(path, name);
-        struct stat st;
-        if (stat(QFile::encodeName(fullPath).constData(), &st) != 0) {
-            qCInfo(lcDuplicate, "directory not exsts:%s", qUtf8Printable(fullPath));
-            continue;
-        }
-        if (!S_ISDIR(st.st_mode)) {
-            resultArray.append(makeEntry(fullPath, st));
-            continue;
-        }
-        if (!m_bSearchHiddenFile && IsHiddenFile(fullPath)) continue;
-        if (!m_bSearchSystemDirectory && path == "/" && IsSystemDirectory(fullPath)) continue;
-        QList<Entry> below;
-        getSubpathsOfDirectoryAtPath(below, fullPath);
-        resultArray.append(below);
+    // The chosen folder itself is opened as chosen, through a link or not.
+    const int fd = openFolder(path, 0);
+    struct stat st;
+    if (fd < 0 || fstat(fd, &st) != 0) {
+        qCInfo(lcDuplicate, "get contents Of Directory At Path failed%s: %s", qUtf8Printable(path), strerror(errno));
+        if (fd >= 0) close(fd);
+        return false;
     }
+    m_rootPath = path;
+    m_seenFiles.clear();
+    m_seenFolders = {Inode(st.st_dev, st.st_ino)};
+    m_unreadableFolders.clear();
+    m_pseudoFileSystems = PseudoFileSystems::mountedNow();
+    if (m_pseudoFileSystems.contains(st.st_dev)) {
+        close(fd);
+        return true;
+    }
+    listFolder(fd, path, true, resultArray);
     return true;
 }
 
-bool getFileList::getSubpathsOfDirectoryAtPath(QList<Entry>& outArray, const QString& folder) {
-    if (folder.isEmpty() || stopped()) return false;
+int getFileList::openSeenFolder(const QString& path, const struct stat& seen) {
+    const int fd = openFolder(path, O_NOFOLLOW);
+    struct stat st;
+    if (fd >= 0 && fstat(fd, &st) == 0 && st.st_dev == seen.st_dev && st.st_ino == seen.st_ino) return fd;
+    if (fd >= 0) {
+        close(fd);
+        errno = ESTALE;  // replaced since it was listed
+    }
+    return -1;
+}
+
+// The folder is read whole and closed before its subfolders are entered, so
+// the walk holds one descriptor at any depth; a subfolder is opened again by
+// its path, without following a link, and entered only if it is still the
+// folder that was listed.
+bool getFileList::listFolder(int fd, const QString& folder, bool topLevel, QList<Entry>& out) {
+    struct stat folderStat;
+    DIR* dir = fstat(fd, &folderStat) == 0 ? fdopendir(fd) : nullptr;
+    if (!dir) {
+        close(fd);
+        return false;
+    }
     m_CurrentPath.set(folder);
-    DIR* dir = openFolder(folder);
-    if (!dir) return false;
-    const int folderFd = dirfd(dir);
+    struct Child {
+        QString path;
+        struct stat st;
+    };
+    std::vector<Child> children;
     while (const dirent* entry = readdir(dir)) {
         if (isDotOrDotDot(entry->d_name)) continue;
         struct stat st;
-        if (fstatat(folderFd, entry->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
-        if (S_ISLNK(st.st_mode)) continue;
-        const QString fullPath = PathNames::appendComponent(folder, QFile::decodeName(entry->d_name));
-        if (S_ISDIR(st.st_mode)) {
-            QList<Entry> below;
-            if (!getSubpathsOfDirectoryAtPath(below, fullPath)) continue;
-            outArray.append(below);
-        }
-        outArray.append(makeEntry(fullPath, st));
+        if (fstatat(dirfd(dir), entry->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
+        // Links lead elsewhere; FIFOs, sockets and devices are no files to compare.
+        if (!S_ISDIR(st.st_mode) && !S_ISREG(st.st_mode)) continue;
+        children.push_back({PathNames::appendComponent(folder, QFile::decodeName(entry->d_name)), st});
     }
     closedir(dir);
+
+    for (const Child& child : children) {
+        if (stopped()) return false;
+        const Entry entry{child.path, S_ISDIR(child.st.st_mode), quint64(child.st.st_size),
+                          FileIdentity::of(child.st, folderStat)};
+        if (!entry.isDirectory) {
+            out.append(entry);
+            continue;
+        }
+        if (topLevel) {
+            if (!m_bSearchHiddenFile && IsHiddenFile(child.path)) continue;
+            if (m_rootPath == "/" && !m_bSearchSystemDirectory && IsSystemDirectory(child.path)) continue;
+            if (m_rootPath == "/" && PseudoFileSystems::isSkippedBelowRoot(child.path)) continue;
+        }
+        // A folder met again through a bind mount, or a pseudo file system, is not entered.
+        if (m_pseudoFileSystems.contains(child.st.st_dev)) continue;
+        if (m_seenFolders.contains(Inode(child.st.st_dev, child.st.st_ino))) continue;
+        m_seenFolders.insert(Inode(child.st.st_dev, child.st.st_ino));
+        const int childFd = openSeenFolder(child.path, child.st);
+        QList<Entry> below;
+        if (childFd < 0 || !listFolder(childFd, child.path, false, below)) {
+            if (stopped()) return false;
+            qCInfo(lcDuplicate, "get contents Of Directory At Path failed%s: %s", qUtf8Printable(child.path),
+                   strerror(errno));
+            m_unreadableFolders.append(child.path);
+            continue;
+        }
+        out.append(below);
+        if (!topLevel) out.append(entry);
+    }
     return true;
 }
 

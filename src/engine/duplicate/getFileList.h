@@ -1,9 +1,12 @@
 #pragma once
 
 #include "engine/duplicate/CurrentPath.h"
+#include "engine/duplicate/FileIdentity.h"
+#include "engine/duplicate/PseudoFileSystems.h"
 #include "engine/duplicate/fileAttrbItem.h"
 
 #include <QList>
+#include <QPair>
 #include <QSet>
 #include <QStringList>
 #include <atomic>
@@ -12,8 +15,11 @@ namespace velmora {
 
 // Walks the folder chosen for a duplicate search and produces the ordinary
 // files larger than a size limit and the application bundles met on the way.
-// Symbolic links are followed only directly in the chosen folder. Runs on the
-// search thread; stopSearch() and currentPath() may be called from any thread.
+// Symbolic links are never followed (only the chosen folder itself may be
+// reached through one); each file and each folder is listed once, however
+// many paths (hard links, bind mounts) lead to it; pseudo file systems are
+// not entered. Runs on the search thread; stopSearch() and currentPath() may
+// be called from any thread.
 class getFileList {
 public:
     // One listed entry with the attributes read while listing, so that the
@@ -22,7 +28,7 @@ public:
         QString path;
         bool isDirectory = false;
         quint64 size = 0;
-        qint64 modificationMSecs = 0;
+        FileIdentity identity;
     };
 
     bool m_bSearchHiddenFile = true;
@@ -35,12 +41,12 @@ public:
     bool getListAtPath(const QString& path, QList<fileAttrbItem>& fileArray, QStringList& directoryArray,
                        quint64 limittedSize);
 
-    // Top-level listing: links are followed, hidden and system folders are
-    // skipped as configured, folders are expanded but not listed themselves.
+    // Top-level listing: hidden and system folders are skipped as
+    // configured, folders are expanded but not listed themselves.
     bool getDirectoryAtPath(const QString& path, QList<Entry>& resultArray);
-    // Recursive listing below the top level: links are dropped, each folder
-    // comes after its contents; false when stopped or unreadable.
-    bool getSubpathsOfDirectoryAtPath(QList<Entry>& outArray, const QString& folder);
+
+    // Folders below the chosen one that could not be read, in walk order.
+    const QStringList& unreadableFolders() const { return m_unreadableFolders; }
 
     // True when any component of the path starts with a full stop.
     static bool IsHiddenFile(const QString& path);
@@ -56,11 +62,24 @@ public:
     QString currentPath() const { return m_CurrentPath.get(); }
 
 private:
+    using Inode = QPair<quint64, quint64>;  // device, inode
+
+    // Lists the open folder `fd` (taking it over): below the top level each
+    // folder comes after its contents. False when stopped or unreadable.
+    bool listFolder(int fd, const QString& folder, bool topLevel, QList<Entry>& out);
+    // Opens a folder seen while listing its parent, without following a
+    // link, and only if it is still the folder seen.
+    int openSeenFolder(const QString& path, const struct stat& seen);
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
 
     std::atomic<bool> m_stop{false};
     CurrentPath m_CurrentPath;
     QSet<QString> m_recordedBundles;
+    QSet<Inode> m_seenFiles;
+    QSet<Inode> m_seenFolders;
+    PseudoFileSystems m_pseudoFileSystems;
+    QStringList m_unreadableFolders;
+    QString m_rootPath;
 };
 
 }  // namespace velmora

@@ -1,0 +1,325 @@
+#include "engine/duplicate/DuplicateRemover.h"
+
+#include "engine/duplicate/DuplicateLog.h"
+#include "engine/erase/KxAuthorization.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace velmora {
+
+namespace {
+
+class Descriptor {
+public:
+    Descriptor() = default;
+    explicit Descriptor(int fd) : m_fd(fd) {}
+    Descriptor(Descriptor&& other) noexcept : m_fd(std::exchange(other.m_fd, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(m_fd, other.m_fd);
+        return *this;
+    }
+    ~Descriptor() {
+        if (m_fd >= 0) close(m_fd);
+    }
+    int get() const { return m_fd; }
+    bool valid() const { return m_fd >= 0; }
+
+private:
+    int m_fd = -1;
+};
+
+int openRetrying(int folder, const char* name, int flags) {
+    int fd;
+    do fd = openat(folder, name, flags | O_CLOEXEC);
+    while (fd < 0 && errno == EINTR);
+    return fd;
+}
+
+// A copy opened for comparison: the folder that holds it, checked to be the
+// folder the search listed it in, and the copy itself, opened by name
+// relative to that folder without following a link and checked to be
+// unchanged since the search.
+struct OpenedCopy {
+    Descriptor folder;
+    Descriptor item;
+    QByteArray name;
+
+    bool open(const DuplicateRemover::Copy& copy, bool isFolder) {
+        const QFileInfo info(copy.path);
+        name = QFile::encodeName(info.fileName());
+        // The folder may be reached through the link the user chose to
+        // search; what counts is that it is the very folder listed.
+        folder = Descriptor(openRetrying(AT_FDCWD, QFile::encodeName(info.path()).constData(), O_RDONLY | O_DIRECTORY));
+        struct stat st;
+        if (!folder.valid() || fstat(folder.get(), &st) != 0 || !copy.identity.isFolderOf(st)) return false;
+        item = Descriptor(openRetrying(folder.get(), name.constData(),
+                                       O_RDONLY | O_NOFOLLOW | O_NONBLOCK | (isFolder ? O_DIRECTORY : 0)));
+        if (!item.valid() || fstat(item.get(), &st) != 0) return false;
+        return (isFolder ? S_ISDIR(st.st_mode) : S_ISREG(st.st_mode)) && copy.identity.isUnchanged(st);
+    }
+
+    // Still unchanged, and its name still leads to it.
+    bool stillUnchanged(const DuplicateRemover::Copy& copy) const {
+        struct stat held, named;
+        return fstat(item.get(), &held) == 0 && copy.identity.isUnchanged(held) &&
+               fstatat(folder.get(), name.constData(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+               copy.identity.isUnchanged(named);
+    }
+};
+
+ssize_t readAt(int fd, char* buffer, size_t size, off_t offset) {
+    ssize_t n;
+    do n = pread(fd, buffer, size, offset);
+    while (n < 0 && errno == EINTR);
+    return n;
+}
+
+// Both descriptors hold `size` bytes, equal byte for byte, and no more.
+bool sameBytes(int first, int second, quint64 size) {
+    constexpr size_t kChunk = 128 * 1024;
+    std::unique_ptr<char[]> a(new char[kChunk]), b(new char[kChunk]);
+    quint64 offset = 0;
+    for (;;) {
+        const ssize_t gotA = readAt(first, a.get(), kChunk, off_t(offset));
+        const ssize_t gotB = readAt(second, b.get(), kChunk, off_t(offset));
+        if (gotA < 0 || gotB < 0 || gotA != gotB) return false;
+        if (gotA == 0) return offset == size;
+        if (std::memcmp(a.get(), b.get(), size_t(gotA)) != 0) return false;
+        offset += quint64(gotA);
+    }
+}
+
+// ---- Bundles ----------------------------------------------------------------
+
+// One entry below a bundle folder, as a path relative to it.
+struct BundleEntry {
+    QByteArray relative;
+    bool isLink = false;
+    quint64 size = 0;
+    QByteArray linkTarget;
+};
+
+// Lists everything below the folder without following a link; false when
+// a folder cannot be read or lies on another file system.
+bool listBundle(int folderFd, dev_t device, const QByteArray& prefix, std::vector<BundleEntry>& out) {
+    const int listFd = dup(folderFd);
+    DIR* dir = listFd >= 0 ? fdopendir(listFd) : nullptr;
+    if (!dir) {
+        if (listFd >= 0) close(listFd);
+        return false;
+    }
+    rewinddir(dir);  // the copy shares its position with the folder's descriptor
+    std::vector<QByteArray> folders;
+    bool ok = true;
+    while (const dirent* entry = readdir(dir)) {
+        const QByteArray name(entry->d_name);
+        if (name == "." || name == "..") continue;
+        struct stat st;
+        if (fstatat(folderFd, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0 || st.st_dev != device) {
+            ok = false;
+            continue;
+        }
+        if (S_ISDIR(st.st_mode)) {
+            folders.push_back(name);
+        } else if (S_ISLNK(st.st_mode)) {
+            QByteArray target(int(st.st_size) + 1, '\0');
+            const ssize_t n = readlinkat(folderFd, name.constData(), target.data(), size_t(target.size()));
+            target.truncate(n < 0 ? 0 : int(n));
+            out.push_back({prefix + name, true, quint64(st.st_size), target});
+        } else if (S_ISREG(st.st_mode)) {
+            out.push_back({prefix + name, false, quint64(st.st_size), {}});
+        } else {
+            ok = false;  // a FIFO, socket or device is no part of an application to compare
+        }
+    }
+    closedir(dir);
+    for (const QByteArray& name : folders) {
+        const Descriptor sub(openRetrying(folderFd, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW));
+        ok = ok && sub.valid() && listBundle(sub.get(), device, prefix + name + '/', out);
+    }
+    return ok;
+}
+
+// Opens a file below the folder, following no link on the way.
+Descriptor openBelow(int folderFd, const QByteArray& relative) {
+    const QList<QByteArray> parts = relative.split('/');
+    Descriptor current(dup(folderFd));
+    for (qsizetype i = 0; i < parts.size() && current.valid(); ++i) {
+        const bool last = i + 1 == parts.size();
+        current = Descriptor(openRetrying(current.get(), parts[i].constData(),
+                                          O_RDONLY | O_NOFOLLOW | (last ? O_NONBLOCK : O_DIRECTORY)));
+    }
+    return current;
+}
+
+// The two bundles hold files that pair up one to one with equal bytes
+// (names and places do not count, as in the search) and links that pair up
+// by their targets.
+bool sameBundleContent(int copyFd, int keptFd) {
+    struct stat copyStat, keptStat;
+    if (fstat(copyFd, &copyStat) != 0 || fstat(keptFd, &keptStat) != 0) return false;
+    std::vector<BundleEntry> copy, kept;
+    if (!listBundle(copyFd, copyStat.st_dev, {}, copy) || !listBundle(keptFd, keptStat.st_dev, {}, kept)) return false;
+    if (copy.size() != kept.size()) return false;
+    std::vector<bool> paired(kept.size(), false);
+    for (const BundleEntry& entry : copy) {
+        const Descriptor copyFile = entry.isLink ? Descriptor() : openBelow(copyFd, entry.relative);
+        if (!entry.isLink && !copyFile.valid()) return false;
+        bool found = false;
+        for (size_t k = 0; k < kept.size() && !found; ++k) {
+            const BundleEntry& other = kept[k];
+            if (paired[k] || other.isLink != entry.isLink || other.size != entry.size) continue;
+            if (entry.isLink) {
+                found = other.linkTarget == entry.linkTarget;
+            } else {
+                const Descriptor keptFile = openBelow(keptFd, other.relative);
+                found = keptFile.valid() && sameBytes(copyFile.get(), keptFile.get(), entry.size);
+            }
+            if (found) paired[k] = true;
+        }
+        if (!found) return false;
+    }
+    return true;
+}
+
+// Removes everything below the folder, following no link and entering no
+// other file system; answers the first failure's errno, 0 when all went.
+int removeBelow(int folderFd, dev_t device) {
+    const int listFd = dup(folderFd);
+    DIR* dir = listFd >= 0 ? fdopendir(listFd) : nullptr;
+    if (!dir) {
+        if (listFd >= 0) close(listFd);
+        return errno;
+    }
+    rewinddir(dir);  // the copy shares its position with the folder's descriptor
+    std::vector<QByteArray> names;
+    while (const dirent* entry = readdir(dir))
+        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) names.emplace_back(entry->d_name);
+    closedir(dir);
+    int failure = 0;
+    for (const QByteArray& name : names) {
+        struct stat st;
+        if (fstatat(folderFd, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+            failure = failure ? failure : errno;
+            continue;
+        }
+        if (S_ISDIR(st.st_mode)) {
+            const Descriptor sub(openRetrying(folderFd, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW));
+            struct stat subStat;
+            if (!sub.valid() || fstat(sub.get(), &subStat) != 0 || subStat.st_dev != device) {
+                failure = failure ? failure : (sub.valid() ? EXDEV : errno);
+                continue;
+            }
+            if (const int below = removeBelow(sub.get(), device)) {
+                failure = failure ? failure : below;
+                continue;
+            }
+        }
+        if (unlinkat(folderFd, name.constData(), S_ISDIR(st.st_mode) ? AT_REMOVEDIR : 0) != 0)
+            failure = failure ? failure : errno;
+    }
+    return failure;
+}
+
+DuplicateRemover::Verdict verdict(DuplicateRemover::Outcome outcome, const QString& reason) {
+    return {outcome, reason};
+}
+
+}  // namespace
+
+QList<DuplicateRemover::Removal> DuplicateRemover::plan(const QList<SimpleTreeNode::Pointer>& selected) {
+    QList<Removal> removals;
+    for (const SimpleTreeNode::Pointer& leaf : selected) {
+        const SimpleTreeNode* group = leaf->parent();
+        Removal removal;
+        removal.copy = {leaf->data().name, leaf->data().identity};
+        removal.isBundle = group && group->data().extendName == "APP";
+        QList<Copy> selectedOthers;
+        if (group) {
+            for (const SimpleTreeNode::Pointer& sibling : group->children()) {
+                if (sibling == leaf) continue;
+                const Copy other{sibling->data().name, sibling->data().identity};
+                if (sibling->data().selectNum == SimpleNodeData::Selected) selectedOthers.append(other);
+                else removal.others.append(other);
+            }
+        }
+        removal.others.append(selectedOthers);
+        removals.append(removal);
+    }
+    return removals;
+}
+
+DuplicateRemover::Verdict DuplicateRemover::remove(const Removal& removal) {
+    const Verdict result = removal.isBundle ? removeBundle(removal) : removeFile(removal);
+    if (result.removed()) m_removed.insert(Inode(removal.copy.identity.device, removal.copy.identity.inode));
+    else qCInfo(lcDuplicate, "left %s: %s", qUtf8Printable(removal.copy.path), qUtf8Printable(result.reason));
+    return result;
+}
+
+DuplicateRemover::Verdict DuplicateRemover::removeFile(const Removal& removal) {
+    const Copy& copy = removal.copy;
+    OpenedCopy opened;
+    if (!opened.open(copy, false)) return verdict(Outcome::CopyChanged, "it changed or moved after the search");
+    bool anyOther = false;
+    for (const Copy& other : removal.others) {
+        if (other.identity.isSameFile(copy.identity) ||
+            m_removed.contains(Inode(other.identity.device, other.identity.inode)))
+            continue;
+        anyOther = true;
+        OpenedCopy kept;
+        if (!kept.open(other, false)) continue;
+        if (!sameBytes(opened.item.get(), kept.item.get(), copy.identity.size) || !opened.stillUnchanged(copy) ||
+            !kept.stillUnchanged(other))
+            return verdict(Outcome::CopyChanged, QString("it no longer equals %1").arg(other.path));
+        if (unlinkat(opened.folder.get(), opened.name.constData(), 0) == 0) return verdict(Outcome::Removed, {});
+        const int error = errno;
+        if (error != EACCES && error != EPERM) return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(error)));
+        // The folder is not ours to change: the privileged removal is asked,
+        // and the copy counts as removed only when its name is gone.
+        struct stat st;
+        KxAuthorization::removeItemAtPath(copy.path);
+        if (fstatat(opened.folder.get(), opened.name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT)
+            return verdict(Outcome::Removed, {});
+        return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(error)));
+    }
+    if (anyOther) return verdict(Outcome::KeptCopyChanged, "no other copy of it is left unchanged");
+    return verdict(Outcome::LastCopy, "it is the last copy left");
+}
+
+DuplicateRemover::Verdict DuplicateRemover::removeBundle(const Removal& removal) {
+    const Copy& copy = removal.copy;
+    OpenedCopy opened;
+    if (!opened.open(copy, true)) return verdict(Outcome::CopyChanged, "it changed or moved after the search");
+    bool anyOther = false;
+    for (const Copy& other : removal.others) {
+        if (other.identity.isSameFile(copy.identity) ||
+            m_removed.contains(Inode(other.identity.device, other.identity.inode)))
+            continue;
+        anyOther = true;
+        OpenedCopy kept;
+        if (!kept.open(other, true)) continue;
+        if (!sameBundleContent(opened.item.get(), kept.item.get()) || !opened.stillUnchanged(copy))
+            return verdict(Outcome::CopyChanged, QString("it no longer equals %1").arg(other.path));
+        struct stat st;
+        fstat(opened.item.get(), &st);
+        if (const int error = removeBelow(opened.item.get(), st.st_dev))
+            return verdict(Outcome::Failed, QString("partly removed: %1").arg(QString::fromLocal8Bit(strerror(error))));
+        if (unlinkat(opened.folder.get(), opened.name.constData(), AT_REMOVEDIR) != 0)
+            return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(errno)));
+        return verdict(Outcome::Removed, {});
+    }
+    if (anyOther) return verdict(Outcome::KeptCopyChanged, "no other copy of it is left unchanged");
+    return verdict(Outcome::LastCopy, "it is the last copy left");
+}
+
+}  // namespace velmora

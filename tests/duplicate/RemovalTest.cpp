@@ -1,0 +1,150 @@
+#include "DuplicateTestTree.h"
+#include "engine/duplicate/DuplicateFilesOpt.h"
+#include "engine/duplicate/DuplicateRemover.h"
+#include "engine/duplicate/DuplicateResults.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace velmora {
+namespace {
+
+using Outcome = DuplicateRemover::Outcome;
+
+struct Search {
+    SimpleTreeNode::Pointer root;
+    std::unique_ptr<DuplicateResults> results;
+
+    explicit Search(const QString& folder) {
+        DuplicateFilesOpt finder;
+        finder.beginSearchAtPath(folder, 0);
+        EXPECT_TRUE(finder.getDuplicateFiles(root));
+        if (root) results = std::make_unique<DuplicateResults>(root);
+    }
+
+    // The group holding the path, and the path's leaf in it.
+    SimpleTreeNode::Pointer leaf(const QString& path) const {
+        for (const SimpleTreeNode::Pointer& group : root->children())
+            for (const SimpleTreeNode::Pointer& leaf : group->children())
+                if (leaf->data().name == path) return leaf;
+        ADD_FAILURE() << "not in any group: " << path.toStdString();
+        return nullptr;
+    }
+
+    // Removal of exactly this copy, the other copies of its group kept.
+    DuplicateRemover::Removal removalOf(const QString& path) const {
+        const SimpleTreeNode::Pointer copy = leaf(path);
+        results->setSelectState(*copy, true, true);
+        return DuplicateRemover::plan({copy}).first();
+    }
+};
+
+// Rewrites the file in place with other bytes of the same size and puts its
+// modification time back: only a byte comparison can tell.
+void overwriteKeepingSizeAndTime(const QString& path) {
+    struct stat before;
+    ASSERT_EQ(stat(qPrintable(path), &before), 0);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    QByteArray bytes = file.readAll();
+    bytes[bytes.size() / 2] = char(bytes[bytes.size() / 2] ^ 0x5a);
+    file.seek(0);
+    file.write(bytes);
+    file.close();
+    const struct timespec times[2] = {before.st_atim, before.st_mtim};
+    ASSERT_EQ(utimensat(AT_FDCWD, qPrintable(path), times, 0), 0);
+}
+
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+TEST(Removal, ACopyOrKeptCopyChangedAfterTheSearchIsLeft) {
+    test::TestTree tree;
+    const QByteArray one = test::randomBytes(20000, 1), two = test::randomBytes(20000, 2),
+                     three = test::randomBytes(20000, 3), four = test::randomBytes(20000, 4);
+    const QString bytesChanged = tree.write("g1/copy", one), keep1 = tree.write("g1/keep", one);
+    const QString touched = tree.write("g2/copy", two), keep2 = tree.write("g2/keep", two);
+    const QString copy3 = tree.write("g3/copy", three), keptChanged = tree.write("g3/keep", three);
+    const QString plain = tree.write("g4/copy", four), keep4 = tree.write("g4/keep", four);
+    Search search(tree.path());
+    ASSERT_EQ(search.root->children().size(), 4);
+    const auto r1 = search.removalOf(bytesChanged), r2 = search.removalOf(touched), r3 = search.removalOf(copy3),
+               r4 = search.removalOf(plain);
+
+    overwriteKeepingSizeAndTime(bytesChanged);
+    const struct timespec now[2] = {{0, UTIME_NOW}, {0, UTIME_NOW}};
+    ASSERT_EQ(utimensat(AT_FDCWD, qPrintable(touched), now, 0), 0);
+    overwriteKeepingSizeAndTime(keptChanged);
+
+    DuplicateRemover remover;
+    EXPECT_EQ(remover.remove(r1).outcome, Outcome::CopyChanged);
+    EXPECT_EQ(remover.remove(r2).outcome, Outcome::CopyChanged);
+    const DuplicateRemover::Verdict third = remover.remove(r3);
+    EXPECT_EQ(third.outcome, Outcome::CopyChanged);
+    EXPECT_TRUE(third.reason.contains(keptChanged)) << third.reason.toStdString();
+    for (const QString& path : {bytesChanged, keep1, touched, keep2, copy3, keptChanged})
+        EXPECT_TRUE(QFileInfo::exists(path)) << path.toStdString();
+
+    EXPECT_TRUE(remover.remove(r4).removed());
+    EXPECT_FALSE(QFileInfo::exists(plain));
+    EXPECT_EQ(contentOf(keep4), four);
+}
+
+// Every copy ticked (the page asks before the last one): all go but one.
+// A group whose other copy vanished behind the search's back keeps its copy.
+TEST(Removal, TheLastCopyIsNeverRemoved) {
+    test::TestTree tree;
+    const QByteArray content = test::randomBytes(5000, 9);
+    const QStringList copies = {tree.write("a", content), tree.write("b", content), tree.write("c", content)};
+    const QString lonely = tree.write("lonely/x", test::randomBytes(6000, 10));
+    const QString vanishing = tree.write("lonely/y", test::randomBytes(6000, 10));
+    Search search(tree.path());
+    QList<SimpleTreeNode::Pointer> all;
+    for (const QString& path : copies) all.append(search.leaf(path));
+    for (const SimpleTreeNode::Pointer& leaf : all) ASSERT_TRUE(search.results->setSelectState(*leaf, true, true));
+
+    DuplicateRemover remover;
+    QList<Outcome> outcomes;
+    for (const DuplicateRemover::Removal& removal : DuplicateRemover::plan(all)) outcomes.append(remover.remove(removal).outcome);
+    EXPECT_EQ(outcomes, QList<Outcome>({Outcome::Removed, Outcome::Removed, Outcome::LastCopy}));
+    EXPECT_EQ(contentOf(copies.last()), content);
+
+    const DuplicateRemover::Removal removal = search.removalOf(lonely);
+    ASSERT_TRUE(QFile::remove(vanishing));
+    EXPECT_EQ(remover.remove(removal).outcome, Outcome::KeptCopyChanged);
+    EXPECT_TRUE(QFileInfo::exists(lonely));
+}
+
+// After the search the copy's folder becomes a link to a folder elsewhere
+// holding an equal file of the same name, and another copy becomes a link
+// to the kept one: nothing is removed, here or there.
+TEST(Removal, LinksPutInPlaceAfterTheSearchAreNotFollowed) {
+    test::TestTree tree, elsewhere;
+    const QByteArray content = test::randomBytes(7000, 11);
+    const QString inFolder = tree.write("dir/x.bin", content);
+    const QString swapped = tree.write("y.bin", content);
+    const QString kept = tree.write("keep.bin", content);
+    const QString outside = elsewhere.write("x.bin", content);
+    Search search(tree.path());
+    const auto folderRemoval = search.removalOf(inFolder);
+    const auto linkRemoval = search.removalOf(swapped);
+
+    ASSERT_EQ(rename(qPrintable(tree.path("dir")), qPrintable(tree.path("moved"))), 0);
+    ASSERT_EQ(symlink(qPrintable(elsewhere.path()), qPrintable(tree.path("dir"))), 0);
+    ASSERT_TRUE(QFile::remove(swapped));
+    ASSERT_EQ(symlink(qPrintable(kept), qPrintable(swapped)), 0);
+
+    DuplicateRemover remover;
+    EXPECT_EQ(remover.remove(folderRemoval).outcome, Outcome::CopyChanged);
+    EXPECT_EQ(remover.remove(linkRemoval).outcome, Outcome::CopyChanged);
+    EXPECT_EQ(contentOf(outside), content);
+    EXPECT_EQ(contentOf(tree.path("moved/x.bin")), content);
+    EXPECT_EQ(contentOf(kept), content);
+    EXPECT_TRUE(QFileInfo(swapped).isSymLink());
+}
+
+}  // namespace
+}  // namespace velmora
