@@ -21,6 +21,8 @@ WipeFailViewController::WipeFailViewController(const QString& errorText, bool wa
     m_failNode->setVisible(wasCancelled);
     layout->addWidget(m_failNode);
     PanelContent::addButtons(layout, {m_okButton});
+    // A long reason (which file failed, and why) makes the view taller.
+    setFixedHeight(qMax(height(), layout->totalHeightForWidth(width())));
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }
 

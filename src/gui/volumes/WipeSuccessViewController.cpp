@@ -12,6 +12,8 @@ WipeSuccessViewController::WipeSuccessViewController(const QString& text, QWidge
     setAttribute(Qt::WA_DeleteOnClose);
     QVBoxLayout* layout = PanelContent::addMessage(this, "ic_success", "Erasure completed", text);
     PanelContent::addButtons(layout, {m_okButton});
+    // A text that goes on (the bytes a fill could not reach) makes the view taller.
+    setFixedHeight(qMax(height(), layout->totalHeightForWidth(width())));
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }
 
