@@ -6,9 +6,11 @@
 #include "gui/history/HistoryDeleteTextFieldCell.h"
 #include "gui/history/HistoryViewController.h"
 #include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/Style.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -145,12 +147,24 @@ private slots:
         QPointer<ExportViewController> done = m_history->exportPanel();
         QVERIFY(done && done->isVisible());
         QCOMPARE(done->reportPath(), target.filePath("report.html"));
+        QVERIFY(done->written());
         saveScreenshotWith(m_page.get(), done, "history_export_done");
         done->okButton()->click();
         QTRY_VERIFY(!done);
 
         m_history->exportToChosenPath(target.filePath("report.html"));
         QVERIFY(QFileInfo::exists(target.filePath("report.html.html")));
+        QVERIFY(m_history->exportPanel()->written());
+        m_history->exportPanel()->okButton()->click();
+
+        // A folder that is not there: the panel says the report was not saved.
+        m_history->exportToChosenPath(target.filePath("gone/report"));
+        QPointer<ExportViewController> failed = m_history->exportPanel();
+        QVERIFY(failed && failed->isVisible());
+        QVERIFY(!failed->written());
+        QVERIFY(PanelContent::messageLabel(failed)->text().startsWith("The report could not be saved as"));
+        QVERIFY(!QFileInfo::exists(target.filePath("gone")));
+        failed->okButton()->click();
     }
 
     void emptyAllDeletesEverythingAndCloses() {

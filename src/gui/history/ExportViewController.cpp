@@ -8,12 +8,18 @@
 
 namespace velmora {
 
-ExportViewController::ExportViewController(const QString& reportPath, QWidget* parent)
-    : MAAttachedWindow(parent, {460, 210}), m_reportPath(reportPath), m_okButton(ImageSetButton::primary("OK", this)) {
+ExportViewController::ExportViewController(const QString& reportPath, bool written, QWidget* parent)
+    : MAAttachedWindow(parent, {460, 210}),
+      m_reportPath(reportPath),
+      m_written(written),
+      m_okButton(ImageSetButton::primary("OK", this)) {
     setAttribute(Qt::WA_DeleteOnClose);
-    QVBoxLayout* layout = PanelContent::addMessage(
-        this, "ic_success", "History exported",
-        QString("The report was saved as %1").arg(QFileInfo(reportPath).absoluteFilePath()));
+    const QString shownPath = QFileInfo(reportPath).absoluteFilePath();
+    QVBoxLayout* layout =
+        written ? PanelContent::addMessage(this, "ic_success", "History exported",
+                                           QString("The report was saved as %1").arg(shownPath))
+                : PanelContent::addMessage(this, "ic_fail", "History not exported",
+                                           QString("The report could not be saved as %1").arg(shownPath));
     PanelContent::addButtons(layout, {m_okButton});
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }

@@ -228,9 +228,8 @@ void HistoryViewController::getHistorySavePath() {
 
 void HistoryViewController::exportToChosenPath(const QString& chosenPath) {
     const QString path = HistoryReport::exportPath(chosenPath);
-    // A failed write is not reported: the panel names the file either way.
-    writeHTML(path);
-    m_exportPanel = new ExportViewController(path, this);
+    // The panel says whether the report was written; a failed write is never shown as saved.
+    m_exportPanel = new ExportViewController(path, writeHTML(path), this);
     m_exportPanel->open();
 }
 
