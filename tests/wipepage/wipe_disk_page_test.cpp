@@ -33,6 +33,8 @@
 #include <memory>
 
 using namespace velmora;
+using velmora::test::LoopVolume;
+using velmora::test::loopDevicesUnavailable;
 
 namespace {
 
