@@ -26,6 +26,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -33,6 +34,7 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace velmora;
@@ -400,6 +402,41 @@ private slots:
         }
         QVERIFY(!m_page->removeButton()->isEnabled());
         QVERIFY(!sidebarLocked(*m_window));
+    }
+
+    // A copy that cannot be read and a folder that cannot be listed are
+    // counted on the page, not dropped silently. As root the search runs
+    // with the unprivileged user's rights, which the file modes then stop.
+    void unreadableFilesAreCounted() {
+        const QString root = makeTree();
+        writeFile(root + "/locked/report.pdf", contentFor(1, 3000));
+        writeFile(root + "/unreadable-report.pdf", contentFor(1, 3000));
+        QVERIFY(chmod(qPrintable(root + "/locked"), 0) == 0);
+        QVERIFY(chmod(qPrintable(root + "/unreadable-report.pdf"), 0) == 0);
+        const auto unlock = qScopeGuard([&] { chmod(qPrintable(root + "/locked"), 0700); });
+        QVERIFY(!m_page->unreadableLabel()->isVisible());
+        {
+            const bool asRoot = geteuid() == 0;
+            if (asRoot) {
+                QVERIFY(chmod(qPrintable(m_scratch->path()), 0755) == 0);
+                QVERIFY(seteuid(65534) == 0);  // every thread of the process, through the C library
+            }
+            const auto backToRoot = qScopeGuard([asRoot] {
+                if (asRoot && seteuid(0) != 0) qFatal("cannot return to root");
+            });
+            searchAndWait(root);
+        }
+        QVERIFY(m_page->unreadableLabel()->isVisible());
+        QCOMPARE(m_page->unreadableLabel()->text(),
+                 QString("2 files or folders could not be read; any copies of them are not listed."));
+        QVERIFY(m_page->unreadableLabel()->toolTip().contains(root + "/unreadable-report.pdf"));
+        QVERIFY(m_page->unreadableLabel()->toolTip().contains(root + "/locked"));
+        QCOMPARE(m_page->results()->categoryTree(DuplicateResults::Documents)->children().first()->children().size(), 3);
+        screenshot(m_window.get(), "duplicate_unreadable_counted");
+
+        m_page->searchPathChosen(root + "/docs");
+        waitForSearch();
+        QVERIFY(!m_page->unreadableLabel()->isVisible());
     }
 
     void folderGoneBeforeTheSearchShowsTheFailureView() {

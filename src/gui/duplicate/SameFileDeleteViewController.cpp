@@ -3,7 +3,6 @@
 #include "engine/duplicate/DuplicateFilesOpt.h"
 #include "engine/duplicate/DuplicateResults.h"
 #include "engine/duplicate/ThreadWorker.h"
-#include "engine/erase/KxAuthorization.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/duplicate/ChoosePathPanel.h"
 #include "gui/duplicate/DeleteAllCopiesSheet.h"
@@ -120,6 +119,11 @@ void SameFileDeleteViewController::createHeader() {
     QLabel* subtitle = Style::label("Find identical files in a folder and remove the extra copies.", 12, true);
     subtitle->setParent(this);
     subtitle->setGeometry(40, 62, 560, 20);
+    m_unreadableLabel = Style::label(QString(), 12, true);
+    m_unreadableLabel->setParent(this);
+    m_unreadableLabel->setObjectName("unreadableLine");
+    m_unreadableLabel->setGeometry(40, 84, 700, 18);
+    m_unreadableLabel->hide();
 }
 
 QWidget* SameFileDeleteViewController::createResultView() {
@@ -226,6 +230,7 @@ void SameFileDeleteViewController::searchBtnClicked() {
     m_opt->setSearchOption({false, false});
     m_isStopScan = false;
     m_bSearchFinished = false;
+    m_unreadableLabel->hide();
     setBusy(true);
     m_searchingView->reset(m_searchPath);
     m_views->setCurrentWidget(m_searchingView);
@@ -264,6 +269,15 @@ void SameFileDeleteViewController::searchFinished(bool succeeded) {
     m_bSearchFinished = true;
     m_searchingView->indicator()->setIndeterminate(false);
     setBusy(false);
+
+    // What could not be read may have copies the search could not see.
+    const QStringList unreadable = m_opt->unreadablePaths();
+    m_unreadableLabel->setText(QString("%1 %2 could not be read; any copies of %3 are not listed.")
+                                   .arg(unreadable.size())
+                                   .arg(unreadable.size() == 1 ? "file or folder" : "files or folders",
+                                        unreadable.size() == 1 ? "it" : "them"));
+    m_unreadableLabel->setToolTip(unreadable.mid(0, 20).join('\n'));
+    m_unreadableLabel->setVisible(!unreadable.isEmpty());
 
     SimpleTreeNode::Pointer tree;
     if (!m_opt->getDuplicateFiles(tree)) {
@@ -447,8 +461,7 @@ void SameFileDeleteViewController::delDuplicateItems() {
     m_isClickStopRemove = false;
     m_delNodesArr.clear();
     m_removalLeaves = m_results->allSelectNumArr();
-    QStringList paths;
-    for (const SimpleTreeNode::Pointer& leaf : std::as_const(m_removalLeaves)) paths.append(leaf->data().name);
+    m_removals = DuplicateRemover::plan(m_removalLeaves);
     setBusy(true);
 
     m_progressPanel = new DuplicationDetProgressViewController(this);
@@ -456,21 +469,30 @@ void SameFileDeleteViewController::delDuplicateItems() {
             &SameFileDeleteViewController::stopRemoveBtnClicked);
     m_progressPanel->open();
     m_worker = ThreadWorker::workOn(
-        this, [this](const QVariant& object, ThreadWorker* worker) { return deleteDupFiles(object.toStringList(), worker); },
-        paths, [this](const QVariant&) { deleteFinished(); });
+        this, [this](const QVariant&, ThreadWorker* worker) { return deleteDupFiles(worker); }, {},
+        [this](const QVariant& leftReasons) { deleteFinished(leftReasons); });
 }
 
-QVariant SameFileDeleteViewController::deleteDupFiles(const QStringList& paths, ThreadWorker* worker) {
-    KxAuthorization* authorization = KxAuthorization::shareKxAuthorization();
-    for (int index = 0; index < paths.size() && !m_bStopDelTask; ++index) {
-        const QString& path = paths[index];
-        if (!authorization->synFastRemovePath(path)) continue;  // stays listed and selected
-        const int progress = int((index + 1) * qint64(100) / paths.size());
+// Answers why copies were left: "reason" per copy, "admin" when the system
+// refused a removal.
+QVariant SameFileDeleteViewController::deleteDupFiles(ThreadWorker* worker) {
+    DuplicateRemover remover;
+    QStringList reasons;
+    bool refusedByTheSystem = false;
+    for (int index = 0; index < m_removals.size() && !m_bStopDelTask; ++index) {
+        const QString path = m_removals[index].copy.path;
+        const DuplicateRemover::Verdict verdict = remover.remove(m_removals[index]);
+        if (!verdict.removed()) {  // stays listed and selected
+            reasons.append(QString("%1: %2").arg(path, verdict.reason));
+            refusedByTheSystem = refusedByTheSystem || verdict.outcome == DuplicateRemover::Outcome::Failed;
+            continue;
+        }
+        const int progress = int((index + 1) * qint64(100) / m_removals.size());
         worker->performOnTargetThread([this, progress, path] { setRemoveProgress(progress, path); });
         // The outline drops the copy before the next one is removed.
         if (!worker->performOnTargetThreadAndWait([this, index] { refreshOutlineView(index); })) break;
     }
-    return {};
+    return QVariantMap{{"reasons", reasons}, {"admin", refusedByTheSystem}};
 }
 
 void SameFileDeleteViewController::setRemoveProgress(int progress, const QString& path) {
@@ -489,7 +511,7 @@ void SameFileDeleteViewController::stopRemoveBtnClicked() {
     m_bStopDelTask = true;
 }
 
-void SameFileDeleteViewController::deleteFinished() {
+void SameFileDeleteViewController::deleteFinished(const QVariant& leftReasons) {
     m_worker = nullptr;
     if (m_progressPanel) m_progressPanel->close();
     const qsizetype total = m_removalLeaves.size();
@@ -503,7 +525,15 @@ void SameFileDeleteViewController::deleteFinished() {
     } else if (left > 0) {
         const QString stay = left == 1 ? "%1 of %2 selected copies is still on the disk; it stays selected."
                                        : "%1 of %2 selected copies are still on the disk; they stay selected.";
-        showFailView("Some files that require admin access can't be removed!", stay.arg(left).arg(total));
+        // A copy that changed, or whose kept copy changed, after the search
+        // is left on purpose: the first such reason is shown.
+        const QVariantMap why = leftReasons.toMap();
+        const QStringList reasons = why.value("reasons").toStringList();
+        if (why.value("admin").toBool())
+            showFailView("Some files that require admin access can't be removed!", stay.arg(left).arg(total));
+        else
+            showFailView("Some copies were left on the disk",
+                         stay.arg(left).arg(total) + (reasons.isEmpty() ? QString() : "\n" + reasons.first()));
     } else {
         quint64 freed = 0;
         for (const SimpleTreeNode::Pointer& leaf : std::as_const(m_delNodesArr)) freed += leaf->data().fileSize;
@@ -511,6 +541,7 @@ void SameFileDeleteViewController::deleteFinished() {
         m_successPanel->open();
     }
     m_removalLeaves.clear();
+    m_removals.clear();
     setBusy(false);
     m_noGroupsLabel->setVisible(m_model->rowCount() == 0);
     refreshSelection();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/duplicate/DuplicateRemover.h"
 #include "engine/duplicate/SimpleTreeNode.h"
 
 #include <QPointer>
@@ -80,6 +81,7 @@ public:
     SimpleTreeNode* treeData() const;
     const QList<SimpleTreeNode::Pointer>& delNodesArr() const { return m_delNodesArr; }
     QLabel* titleLabel() const { return m_titleLabel; }
+    QLabel* unreadableLabel() const { return m_unreadableLabel; }
     ImageToggle* selectAllButton() const { return m_selectAllButton; }
     QPushButton* removeButton() const { return m_removeButton; }
     DuplicateTabBar* tabBar() const { return m_tabBar; }
@@ -111,10 +113,10 @@ private:
     QVariant searchDuplicateFiles(DuplicateFilesOpt* opt, const QString& path);
     void searchFinished(bool succeeded);
     void getPrograss();
-    QVariant deleteDupFiles(const QStringList& paths, ThreadWorker* worker);
+    QVariant deleteDupFiles(ThreadWorker* worker);
     void setRemoveProgress(int progress, const QString& path);
     void refreshOutlineView(int index);
-    void deleteFinished();
+    void deleteFinished(const QVariant& leftReasons);
 
     QPointer<MainWindowController> m_superDelegate;
     QString m_searchPath;
@@ -123,6 +125,7 @@ private:
     int m_remberWitchSelect = 0;
     QList<SimpleTreeNode::Pointer> m_removalLeaves;  // the copies being removed, in the selection's order
     QList<SimpleTreeNode::Pointer> m_delNodesArr;    // those removed so far
+    QList<DuplicateRemover::Removal> m_removals;     // one per copy being removed, read by the removal worker
     int m_sortColumn = -1;
     bool m_sortDescending = false;
 
@@ -141,6 +144,7 @@ private:
     DuplicateEmptyView* m_emptyView = nullptr;
     DuplicateTabBar* m_tabBar = nullptr;
     QLabel* m_titleLabel = nullptr;
+    QLabel* m_unreadableLabel = nullptr;  // how many files and folders the last search could not read
     DuplicateOutlineView* m_outlineView = nullptr;
     DuplicateOutlineModel* m_model = nullptr;
     QLabel* m_noGroupsLabel = nullptr;
