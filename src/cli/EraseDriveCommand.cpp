@@ -39,7 +39,7 @@ int runEraseDriveCommand(QStringList args) {
 
     printErr(QString("Reformatting %1 ...").arg(volume->volumePath));
     WholeDriveErase erase(&wipe);
-    const WipeOutcome outcome = runWipeUntilEnd(wipe, &erase, "Erasing", [&erase] { erase.makeSureToWipeSelectVolume(); });
+    const WipeOutcome outcome = runWipeUntilEnd(wipe, "Erasing", [&erase] { erase.makeSureToWipeSelectVolume(); });
     if (!outcome.ended) {
         printErr("velmora-cli: " + outcome.text);
         return 1;

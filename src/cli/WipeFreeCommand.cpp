@@ -4,7 +4,7 @@
 #include "cli/VolumesCommand.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/volumes/FreeSpaceWipe.h"
-#include "engine/volumes/WholeDriveErase.h"
+#include "engine/volumes/VolumeIdentity.h"
 
 #include <QEventLoop>
 #include <QLoggingCategory>
@@ -26,8 +26,7 @@ void onInterrupt(int) {
 
 }  // namespace
 
-WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, WholeDriveErase* erase, const QString& title,
-                            const std::function<void()>& start) {
+WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, const QString& title, const std::function<void()>& start) {
     WipeOutcome outcome;
     QEventLoop loop;
     ProgressBar bar(title);
@@ -38,11 +37,6 @@ WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, WholeDriveErase* erase, const Q
         outcome = {true, succeeded, text};
         loop.quit();
     });
-    const auto stop = [&](const QString& reason) {
-        outcome = {false, false, reason};
-        loop.quit();
-    };
-    if (erase) QObject::connect(erase, &WholeDriveErase::runStalled, &loop, stop);
 
     interrupted = false;
     std::signal(SIGINT, onInterrupt);
@@ -91,14 +85,19 @@ int runWipeFreeCommand(QStringList args) {
         return 1;
     }
 
-    const WipeOutcome outcome = runWipeUntilEnd(wipe, nullptr, "Wiping", [&wipe] {
+    // The volume confirmed is pinned by its device and UUID; the fill checks it is
+    // still that file system.
+    QString identityError;
+    if (!pinVolume(wipe.selectVolumeObj, &identityError)) {
+        wipe.failRun(QString("Nothing was wiped: %1.").arg(identityError));
+        printOut("Failed  Erase Free Space:" + volume->volumeName);
+        printErr("velmora-cli: " + wipe.errorString());
+        return 1;
+    }
+    const WipeOutcome outcome = runWipeUntilEnd(wipe, "Wiping", [&wipe] {
         wipe.setEraserTime();
         wipe.doFreeSpaceAction();
     });
-    if (!outcome.ended) {
-        printErr("velmora-cli: " + outcome.text);
-        return 1;
-    }
     printOut(QString("%1  Erase Free Space:%2").arg(outcome.succeeded ? "Erased" : "Failed", volume->volumeName));
     if (!outcome.succeeded) printErr("velmora-cli: " + outcome.text);
     return outcome.succeeded ? 0 : 1;

@@ -5,7 +5,6 @@
 
 namespace velmora {
 class FreeSpaceWipe;
-class WholeDriveErase;
 }
 
 namespace velmora::cli {
@@ -21,9 +20,8 @@ struct WipeOutcome {
 };
 
 // Runs a wipe in an event loop with a progress bar until its end step, or until
-// the wipe (or the whole-drive erase, when given) stops without one; `start`
-// begins the run. Ctrl-C cancels the run the way the Cancel button does.
-WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, WholeDriveErase* erase, const QString& title,
-                            const std::function<void()>& start);
+// the wipe stops without one; `start` begins the run. Ctrl-C cancels the run the
+// way the Cancel button does.
+WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, const QString& title, const std::function<void()>& start);
 
 }  // namespace velmora::cli

@@ -1,13 +1,21 @@
 // The macOS layout against a fake disk utility (tests/fixtures/volumes/diskutil)
 // that logs its command lines and prints recorded property lists: which volumes
-// are listed, how they are queried, and the whole-drive erase's command lines.
+// are listed, how they are queried (names as data), and the whole-drive erase's
+// command lines, identity checks and failures.
 #include "VolumeTestSupport.h"
 #include "WipeRun.h"
+#include "support/LoopVolume.h"
 #include "engine/erase/EraserLevel.h"
+#include "engine/platform/StandardPaths.h"
 #include "engine/volumes/DiskInfo.h"
+#include "engine/volumes/ShellRunners.h"
 #include "engine/volumes/VolumeScanner.h"
+#include "engine/volumes/WholeDriveErase.h"
 
 #include <QFileInfo>
+#include <memory>
+#include <optional>
+#include <sys/stat.h>
 
 namespace velmora::test {
 namespace {
@@ -26,6 +34,19 @@ protected:
         return QString::fromUtf8(log.readAll()).split('\n', Qt::SkipEmptyParts);
     }
 
+    // Mounts a small ext4 file system at FOLDER/NAME, where FOLDER becomes the
+    // volumes root, so a whole-drive run's fill stays bounded. Empty on success,
+    // else why not (the reason to skip).
+    std::string mountBoundedVolume(const QString& name) {
+        if (const std::string problem = loopDevicesUnavailable(); !problem.empty()) return problem;
+        m_boundedVolume = std::make_unique<LoopVolume>(16);
+        if (!m_boundedVolume->setupProblem().empty()) return m_boundedVolume->setupProblem();
+        if (const std::string problem = m_boundedVolume->format("ext4", name.toStdString()); !problem.empty()) return problem;
+        if (m_boundedVolume->mount("ext4", name.toStdString()).empty()) return "cannot mount a loop volume";
+        m_boundedRoot.emplace("VELMORA_VOLUMES_ROOT", QString::fromStdString(m_boundedVolume->folder()));
+        return {};
+    }
+
     VolumeObj volumeFor(const QString& bsdName) {
         VolumeList list;
         VolumeScanner().getVolumeAllObjWithVolumeName(bsdName, list);
@@ -38,6 +59,8 @@ protected:
     ScopedEnv m_volumes{"VELMORA_VOLUMES_ROOT", m_root.path() + "/Volumes"};
     ScopedEnv m_diskutil{"VELMORA_DISKUTIL", fixture("diskutil")};
     ScopedEnv m_log{"FAKE_DISKUTIL_LOG", m_root.filePath("diskutil.log")};
+    std::unique_ptr<LoopVolume> m_boundedVolume;
+    std::optional<ScopedEnv> m_boundedRoot;
 };
 
 TEST_F(FakeDiskUtilTest, ListsQueriedVolumesExceptEfiAndUnknownDisks) {
@@ -70,10 +93,11 @@ TEST_F(FakeDiskUtilTest, ListsQueriedVolumesExceptEfiAndUnknownDisks) {
     EXPECT_EQ(stick.volumeFreeSizeNum, 15032385536);
     EXPECT_EQ(stick.BusProtocol, "USB");
     EXPECT_TRUE(stick.bCanEject);
+    EXPECT_EQ(stick.diskUUID, "0E239BC6-F960-3107-89CF-1C97F78BB46B");
     EXPECT_TRUE(stick.diskType.isEmpty());
 }
 
-TEST_F(FakeDiskUtilTest, DiskToolVariantFillsDiskFieldsAndQuotesItsQuery) {
+TEST_F(FakeDiskUtilTest, DiskToolVariantFillsDiskFields) {
     VolumeList list;
     VolumeScanner(VolumeScanner::Screen::DiskTool).getVolumeAllObjWithVolumeName("disk1s1", list);
     ASSERT_EQ(list.size(), 1);
@@ -81,25 +105,63 @@ TEST_F(FakeDiskUtilTest, DiskToolVariantFillsDiskFieldsAndQuotesItsQuery) {
     EXPECT_EQ(list[0].diskType, "APFS");
     EXPECT_EQ(list[0].diskUUID, "5C1A8E2B-7F3D-4C61-9A0E-2B8D4F6A1C3E");
     EXPECT_EQ(list[0].parentWholeDisk, "disk1");
-
-    // The disk tool quotes the name; the erase screens do not, so a name with a
-    // blank reaches the disk utility as two words there.
-    getDisjInfo("Macintosh HD", DiskInfoScreen::RepairDisk);
-    getDisjInfo("Macintosh HD", DiskInfoScreen::WipeDisk);
-    const QStringList commands = loggedCommands();
-    EXPECT_EQ(commands.mid(1), QStringList({"[info][-plist][Macintosh HD]", "[info][-plist][Macintosh][HD]"}));
 }
 
-TEST_F(FakeDiskUtilTest, QueryLineIsCutAtItsBufferSize) {
-    const QByteArray longName(60, 'x');
-    getDisjInfo(longName.constData(), DiskInfoScreen::WipeDisk);    // 64 bytes: "diskutil info -plist " + 42
-    getDisjInfo(longName.constData(), DiskInfoScreen::RepairDisk);  // 128 bytes: the whole name fits
-    EXPECT_EQ(loggedCommands(), QStringList({"[info][-plist][" + QString(42, 'x') + "]", "[info][-plist][" + QString(60, 'x') + "]"}));
+// Volume names are data: on every screen each one reaches the disk utility as one
+// argument, whatever it holds, and nothing in it is run.
+TEST_F(FakeDiskUtilTest, NamesWithShellCharactersReachTheDiskUtilAsOneArgument) {
+    const QString marker = m_root.filePath("pwned");
+    const QStringList names = {"Macintosh HD", "a;touch " + marker,  "$(touch " + marker + ")",
+                               "`touch " + marker + "`", "x\"y", "x'y", "-rf", QString(80, 'x')};
+    QStringList expected;
+    for (const DiskInfoScreen screen : {DiskInfoScreen::WipeDisk, DiskInfoScreen::SelectDisk, DiskInfoScreen::RepairDisk}) {
+        for (const QString& name : names) {
+            EXPECT_TRUE(getDisjInfo(name.toUtf8().constData(), screen).isEmpty());  // the error dictionary is no answer
+            expected.append("[info][-plist][" + name + "]");
+        }
+    }
+    EXPECT_EQ(loggedCommands(), expected);
+    EXPECT_FALSE(QFileInfo::exists(marker));
     EXPECT_TRUE(getDisjInfo(nullptr, DiskInfoScreen::WipeDisk).isEmpty());
 }
 
+// The runners report how the child ended, and their output file is always a new
+// owner-only file: a link planted under its name is removed, never written through.
+TEST_F(FakeDiskUtilTest, RunnersReportTheExitStatusAndNeverWriteThroughALink) {
+    const QString victim = m_root.filePath("victim.txt");
+    QFile file(victim);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("keep");
+    file.close();
+    const QString outputPath = StandardPaths::tempDir() + "/SteadyWiperTemp.plist";
+    QFile::remove(outputPath);
+    ASSERT_TRUE(QFile::link(victim, outputPath));
+
+    const CommandResult answered = execCommand({fixture("diskutil"), {"info", "-plist", "disk2s1"}});
+    EXPECT_TRUE(answered.succeeded()) << answered.failure.toStdString();
+    EXPECT_EQ(answered.outputPath, outputPath);
+    EXPECT_FALSE(QFileInfo(outputPath).isSymLink());
+    EXPECT_EQ(QFileInfo(outputPath).permissions() & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther),
+              QFile::Permissions());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "keep");
+    QFile output(outputPath);
+    ASSERT_TRUE(output.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(output.readAll().contains("<string>STICK</string>"));
+
+    const CommandResult refused = execCommand({fixture("diskutil"), {"info", "-plist", "disk9s9"}});
+    EXPECT_TRUE(refused.started);
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_FALSE(refused.succeeded());
+    const CommandResult missing = execCommand({m_root.filePath("no-such-program"), {}});
+    EXPECT_FALSE(missing.started);
+    EXPECT_FALSE(missing.succeeded());
+    EXPECT_FALSE(missing.failure.isEmpty());
+}
+
 TEST_F(FakeDiskUtilTest, WholeDriveEraseReformatsRemovesLeftoversAndFills) {
-    const QString stick = m_root.path() + "/Volumes/STICK";
+    if (const std::string problem = mountBoundedVolume("STICK"); !problem.empty()) GTEST_SKIP() << "SKIPPED: " << problem;
+    const QString stick = StandardPaths::volumesRoot() + "/STICK";
     ASSERT_TRUE(QDir().mkpath(stick + "/.fseventsd"));
     QFile leftover(stick + "/.fseventsd/0000000000a1b2c3");
     ASSERT_TRUE(leftover.open(QIODevice::WriteOnly));
@@ -111,14 +173,21 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseReformatsRemovesLeftoversAndFills) {
     wipe.selectVolumeObj = volumeFor("disk2s1");
     ASSERT_EQ(wipe.wipeButtonAction(), FreeSpaceWipe::WipeStart::DoEraserPartiltion);
     WholeDriveErase erase(&wipe);
-    const WipeRun run = WipeRun::until(wipe, &erase, [&erase] { erase.makeSureToWipeSelectVolume(); }, 120000);
+    const WipeRun run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 120000);
 
     ASSERT_TRUE(run.ended) << run.endText.toStdString();
-    EXPECT_TRUE(run.succeeded);
-    EXPECT_EQ(run.endText, "All the data on the selected hard drive has been successfully erased.");
-    // Stage 1 as a child with the device node, stage 2 on the free space queried by name.
-    EXPECT_EQ(loggedCommands(), QStringList({"[info][-plist][disk2s1]", "[reformat][/dev/disk2s1]", "[info][-plist][STICK]"}));
+    EXPECT_TRUE(run.succeeded) << run.endText.toStdString();
+    EXPECT_TRUE(run.endText.startsWith("All the data on the selected hard drive has been successfully erased.")) << run.endText.toStdString();
+    // Pinned by its device node, reformatted by it, and found again by it (never by
+    // the name) for the leftovers and for the fill.
+    EXPECT_EQ(loggedCommands(), QStringList({"[info][-plist][disk2s1]", "[info][-plist][/dev/disk2s1]", "[reformat][/dev/disk2s1]",
+                                             "[info][-plist][/dev/disk2s1]", "[info][-plist][/dev/disk2s1]"}));
+    // The fresh file system's UUID and free space.
+    EXPECT_EQ(wipe.selectVolumeObj.diskUUID, "5B7D0C11-2A6E-4F1B-8D3C-7E9A1B2C3D4E");
     EXPECT_EQ(wipe.selectVolumeObj.volumeFreeSizeNum, 9001);
+    struct stat folder;
+    ASSERT_EQ(::stat(QFile::encodeName(stick).constData(), &folder), 0);
+    EXPECT_EQ(wipe.selectVolumeObj.deviceNumber, quint64(folder.st_dev));
     EXPECT_EQ(run.progressTexts.last(), "Erased 100% in 1 of 1 pass");
     EXPECT_EQ(QDir(stick).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
     EXPECT_EQ(wipe.wipeScanPathStr(), stick + "/.Velmora");
@@ -127,33 +196,79 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseReformatsRemovesLeftoversAndFills) {
 }
 
 TEST_F(FakeDiskUtilTest, WholeDriveEraseOfNtfsErasesAsFat32NamedNew) {
-    ASSERT_TRUE(QDir().mkpath(m_root.path() + "/Volumes/NEW"));
+    if (const std::string problem = mountBoundedVolume("NEW"); !problem.empty()) GTEST_SKIP() << "SKIPPED: " << problem;
+    const QString volumes = StandardPaths::volumesRoot();
+    ASSERT_TRUE(QDir().mkpath(volumes + "/WINDATA"));
     FreeSpaceWipe wipe;
     wipe.selectEraserType = 2;
     wipe.selectVolumeObj = volumeFor("disk3s1");
     WholeDriveErase erase(&wipe);
-    const WipeRun run = WipeRun::until(wipe, &erase, [&erase] { erase.makeSureToWipeSelectVolume(); }, 120000);
+    const WipeRun run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 120000);
 
     ASSERT_TRUE(run.ended) << run.endText.toStdString();
-    EXPECT_TRUE(run.succeeded);
+    EXPECT_TRUE(run.succeeded) << run.endText.toStdString();
     EXPECT_EQ(loggedCommands(),
-              QStringList({"[info][-plist][disk3s1]", "[eraseVolume][MS-DOS FAT32][NEW][/dev/disk3s1]", "[info][-plist][NEW]"}));
-    EXPECT_EQ(wipe.wipeScanPathStr(), m_root.path() + "/Volumes/NEW/.Velmora");
+              QStringList({"[info][-plist][disk3s1]", "[info][-plist][/dev/disk3s1]", "[eraseVolume][MS-DOS FAT32][NEW][/dev/disk3s1]",
+                           "[info][-plist][/dev/disk3s1]", "[info][-plist][/dev/disk3s1]"}));
+    EXPECT_EQ(wipe.selectVolumeObj.volumeMountPoint, volumes + "/NEW");
+    EXPECT_EQ(wipe.wipeScanPathStr(), volumes + "/NEW/.Velmora");
     EXPECT_FALSE(QFileInfo::exists(wipe.wipeScanPathStr()));
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:WINDATA|Erased"});
 }
 
-TEST_F(FakeDiskUtilTest, WholeDriveEraseStopsWhenTheVolumeIsGoneAfterTheReformat) {
-    // No "/Volumes/STICK" after the reformat: stage 2 never starts.
+// A reformat that fails (here: the volume is busy) ends the run as failed with the
+// utility's reason before any file is touched.
+TEST_F(FakeDiskUtilTest, WholeDriveEraseFailsBeforeTouchingAnyFileWhenTheReformatFails) {
+    const QString stick = m_root.path() + "/Volumes/STICK";
+    ASSERT_TRUE(QDir().mkpath(stick));
+    QFile kept(stick + "/kept.txt");
+    ASSERT_TRUE(kept.open(QIODevice::WriteOnly));
+    kept.write("still here");
+    kept.close();
+    ScopedEnv failing("FAKE_DISKUTIL_ERASE_EXIT", "1");
+
     FreeSpaceWipe wipe;
     wipe.selectEraserType = 2;
     wipe.selectVolumeObj = volumeFor("disk2s1");
     WholeDriveErase erase(&wipe);
-    const WipeRun run = WipeRun::until(wipe, &erase, [&erase] { erase.makeSureToWipeSelectVolume(); }, 60000);
-    EXPECT_TRUE(run.stalled);
-    EXPECT_FALSE(run.ended);
-    EXPECT_EQ(loggedCommands(), QStringList({"[info][-plist][disk2s1]", "[reformat][/dev/disk2s1]"}));
-    EXPECT_TRUE(volumeHistoryItems().isEmpty());
+    const WipeRun run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 60000);
+
+    ASSERT_TRUE(run.ended);
+    EXPECT_FALSE(run.succeeded);
+    EXPECT_TRUE(run.endText.contains("could not be reformatted")) << run.endText.toStdString();
+    EXPECT_TRUE(run.endText.contains("status 1")) << run.endText.toStdString();
+    EXPECT_TRUE(run.endText.contains("resource busy")) << run.endText.toStdString();
+    EXPECT_EQ(loggedCommands(), QStringList({"[info][-plist][disk2s1]", "[info][-plist][/dev/disk2s1]", "[reformat][/dev/disk2s1]"}));
+    EXPECT_TRUE(run.progressTexts.isEmpty());
+    EXPECT_EQ(QDir(stick).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList{"kept.txt"});
+    EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:STICK|Failed"});
+    EXPECT_FALSE(wipe.isBegin());
+}
+
+// A chosen volume that no longer resolves (its device holds another file system,
+// or it is not mounted) is not reformatted at all: the run fails naming it.
+TEST_F(FakeDiskUtilTest, WholeDriveEraseFailsWithoutReformattingWhenThePinnedVolumeDoesNotResolve) {
+    ASSERT_TRUE(QDir().mkpath(m_root.path() + "/Volumes/STICK"));
+    FreeSpaceWipe wipe;
+    wipe.selectEraserType = 2;
+    wipe.selectVolumeObj = volumeFor("disk2s1");
+    wipe.selectVolumeObj.diskUUID = "00000000-0000-0000-0000-000000000000";  // listed before the stick was swapped
+    WholeDriveErase erase(&wipe);
+    WipeRun run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 60000);
+    ASSERT_TRUE(run.ended);
+    EXPECT_FALSE(run.succeeded);
+    EXPECT_TRUE(run.endText.contains("\"STICK\" (/dev/disk2s1)")) << run.endText.toStdString();
+    EXPECT_TRUE(run.endText.contains("another file system")) << run.endText.toStdString();
+
+    ASSERT_TRUE(QDir(m_root.path() + "/Volumes/STICK").removeRecursively());
+    wipe.selectVolumeObj = volumeFor("disk2s1");
+    run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 60000);
+    ASSERT_TRUE(run.ended);
+    EXPECT_FALSE(run.succeeded);
+    EXPECT_TRUE(run.endText.contains("not mounted")) << run.endText.toStdString();
+
+    EXPECT_FALSE(loggedCommands().join(' ').contains("[reformat]"));
+    EXPECT_EQ(volumeHistoryItems(), QStringList({"Erase Hard Drive:STICK|Failed", "Erase Hard Drive:STICK|Failed"}));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "engine/volumes/FreeSpaceWipe.h"
-#include "engine/volumes/WholeDriveErase.h"
 
 #include <QEventLoop>
 #include <QStringList>
@@ -10,7 +9,7 @@
 
 namespace velmora::test {
 
-// What a wipe run reported until its end view, or until the whole-drive erase stopped without one.
+// What a wipe run reported until its end view.
 struct WipeRun {
     QStringList progressTexts;
     QList<float> percents;
@@ -19,12 +18,11 @@ struct WipeRun {
     bool succeeded = false;
     bool cancelled = false;
     QString endText;
-    bool stalled = false;
     bool timedOut = false;
 
-    // Starts the run and serves the event loop until it ends, stalls or times out.
+    // Starts the run and serves the event loop until it ends or times out.
     // onProgress, when given, runs at each progress text.
-    static WipeRun until(FreeSpaceWipe& wipe, WholeDriveErase* erase, const std::function<void()>& start, int timeoutMs,
+    static WipeRun until(FreeSpaceWipe& wipe, const std::function<void()>& start, int timeoutMs,
                          const std::function<void(const QString&)>& onProgress = {}) {
         WipeRun run;
         QEventLoop loop;
@@ -41,13 +39,6 @@ struct WipeRun {
             run.cancelled = cancelled;
             loop.quit();
         });
-        if (erase) {
-            QObject::connect(erase, &WholeDriveErase::runStalled, &loop, [&](const QString& reason) {
-                run.stalled = true;
-                run.endText = reason;
-                loop.quit();
-            });
-        }
         QTimer::singleShot(timeoutMs, &loop, [&] {
             run.timedOut = true;
             loop.quit();

@@ -14,19 +14,15 @@ QVariantMap getDisjInfo(const char* name, DiskInfoScreen screen) {
     // query on the user-interface thread must not read each other's output.
     static QMutex outputFileLocks[3];
     QMutexLocker lock(&outputFileLocks[int(screen)]);
-    QString outputPath;
+    const CommandLine query = diskUtilLine({"info", "-plist", QString::fromUtf8(name)});
+    CommandResult result;
     switch (screen) {
-    case DiskInfoScreen::WipeDisk:
-        outputPath = execCommand(diskUtilLine(64, "diskutil info -plist %s", name).constData());
-        break;
-    case DiskInfoScreen::SelectDisk:
-        outputPath = diskExecCommand(diskUtilLine(64, "diskutil info -plist %s", name).constData());
-        break;
-    case DiskInfoScreen::RepairDisk:
-        outputPath = aepairExecCommand(diskUtilLine(128, "diskutil info -plist \"%s\"", name).constData());
-        break;
+    case DiskInfoScreen::WipeDisk: result = execCommand(query); break;
+    case DiskInfoScreen::SelectDisk: result = diskExecCommand(query); break;
+    case DiskInfoScreen::RepairDisk: result = aepairExecCommand(query); break;
     }
-    const QVariant info = propertyListFromFile(outputPath);
+    if (!result.succeeded()) return {};
+    const QVariant info = propertyListFromFile(result.outputPath);
     return info.typeId() == QMetaType::QVariantMap ? info.toMap() : QVariantMap{};
 }
 

@@ -2,21 +2,12 @@
 
 #include "engine/platform/StandardPaths.h"
 
-#include <QFile>
-#include <cstdarg>
-#include <cstdio>
 #include <unistd.h>
 
 namespace velmora {
 namespace {
 
-constexpr char kProgramWord[] = "diskutil";
-
-QByteArray shellQuoted(const QByteArray& word) {
-    QByteArray quoted = word;
-    quoted.replace('\'', "'\\''");
-    return '\'' + quoted + '\'';
-}
+constexpr char kPkexec[] = "pkexec";
 
 bool needsPkexec() {
 #ifdef Q_OS_MACOS
@@ -28,25 +19,22 @@ bool needsPkexec() {
 
 }  // namespace
 
-QByteArray diskUtilLine(size_t bufferSize, const char* format, ...) {
-    QByteArray buffer(qsizetype(bufferSize), '\0');
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(buffer.data(), bufferSize, format, arguments);
-    va_end(arguments);
-    QByteArray line(buffer.constData());  // up to the terminating zero
-    if (line.startsWith(kProgramWord))
-        line.replace(0, int(sizeof kProgramWord - 1), shellQuoted(QFile::encodeName(StandardPaths::diskUtilPath())));
-    return line;
+CommandLine diskUtilLine(const QStringList& arguments) { return {StandardPaths::diskUtilPath(), arguments}; }
+
+CommandLine asAdministrator(const CommandLine& command) {
+    if (!needsPkexec()) return command;
+    return {kPkexec, QStringList{command.program} + command.arguments};
 }
 
-QByteArray asAdministrator(const QByteArray& shellLine) {
-    return needsPkexec() ? "pkexec " + shellLine : shellLine;
-}
-
-DiskUtilCall diskUtilCall(const QStringList& arguments) {
-    if (needsPkexec()) return {"pkexec", QStringList{StandardPaths::diskUtilPath()} + arguments};
-    return {StandardPaths::diskUtilPath(), arguments};
+QString diskUtilFailure(const CommandLine& command, int exitCode, const QString& details) {
+    QString text;
+    if (command.program == kPkexec && exitCode == 126)
+        text = "administrator rights were refused (pkexec declined)";
+    else if (command.program == kPkexec && exitCode == 127)
+        text = "administrator rights could not be obtained (pkexec: not authorised or the program is missing)";
+    else
+        text = QString("the disk utility exited with status %1").arg(exitCode);
+    return details.isEmpty() ? text : text + ": " + details;
 }
 
 }  // namespace velmora

@@ -3,34 +3,85 @@
 #include "engine/platform/StandardPaths.h"
 
 #include <QFile>
-#include <cstdlib>
-#include <cstdio>
+#include <QProcess>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace velmora {
 namespace {
 
-constexpr size_t kCommandBufferSize = 2048;
+// The output file, new and ours: a file or link someone else left under the name
+// is removed first, and O_EXCL|O_NOFOLLOW refuse one that appears in between.
+int createOutputFile(const QByteArray& path, QString* failure) {
+    if (::unlink(path.constData()) != 0 && errno != ENOENT) {
+        *failure = QString("cannot remove the old output file %1: %2").arg(QFile::decodeName(path), std::strerror(errno));
+        return -1;
+    }
+    const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (fd < 0) *failure = QString("cannot create the output file %1: %2").arg(QFile::decodeName(path), std::strerror(errno));
+    return fd;
+}
 
-QString runWithOutputFile(const char* command, const char* outputFileName) {
-    if (!command) return {};
-    const QString outputPath = StandardPaths::tempDir() + "/" + outputFileName;
-    if (QFile::exists(outputPath)) QFile::remove(outputPath);
-    char line[kCommandBufferSize] = {};
-    std::snprintf(line, sizeof line, "%s > %s", command, QFile::encodeName(outputPath).constData());
-    std::system(line);
-    return outputPath;
+bool writeAll(int fd, const QByteArray& bytes) {
+    for (qsizetype written = 0; written < bytes.size();) {
+        const ssize_t count = ::write(fd, bytes.constData() + written, size_t(bytes.size() - written));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        written += count;
+    }
+    return true;
+}
+
+CommandResult runWithOutputFile(const CommandLine& command, const char* outputFileName) {
+    CommandResult result;
+    if (command.program.isEmpty()) return result;
+    result.outputPath = StandardPaths::tempDir() + "/" + outputFileName;
+    const int fd = createOutputFile(QFile::encodeName(result.outputPath), &result.failure);
+    if (fd < 0) return result;
+
+    QProcess child;
+    child.setProgram(command.program);
+    child.setArguments(command.arguments);
+    child.setStandardInputFile(QProcess::nullDevice());
+    child.start();
+    result.started = child.waitForStarted(-1);
+    if (!result.started) {
+        result.failure = QString("%1 could not be started: %2").arg(command.program, child.errorString());
+        ::close(fd);
+        return result;
+    }
+    child.waitForFinished(-1);
+    result.exitedNormally = child.exitStatus() == QProcess::NormalExit;
+    result.exitCode = result.exitedNormally ? child.exitCode() : -1;
+    const bool written = writeAll(fd, child.readAllStandardOutput());
+    ::close(fd);
+    const QString errorText = QString::fromUtf8(child.readAllStandardError()).trimmed();
+    if (!result.exitedNormally)
+        result.failure = QString("%1 was killed").arg(command.program);
+    else if (result.exitCode != 0)
+        result.failure = QString("%1 exited with status %2").arg(command.program).arg(result.exitCode);
+    else if (!written)
+        result.failure = "cannot write the output file " + result.outputPath;
+    if (!errorText.isEmpty() && !result.failure.isEmpty()) result.failure += ": " + errorText;
+    return result;
 }
 
 }  // namespace
 
-QString execCommand(const char* command) { return runWithOutputFile(command, "SteadyWiperTemp.plist"); }
+CommandResult execCommand(const CommandLine& command) { return runWithOutputFile(command, "SteadyWiperTemp.plist"); }
 
-QString eraserDiskCommand(const char* command) { return runWithOutputFile(command, "eraserVolumeTemp.plist"); }
+CommandResult eraserDiskCommand(const CommandLine& command) { return runWithOutputFile(command, "eraserVolumeTemp.plist"); }
 
-QString eraserExecCommand(const char* command) { return runWithOutputFile(command, "eraserVolumeTemp.plist"); }
+CommandResult eraserExecCommand(const CommandLine& command) { return runWithOutputFile(command, "eraserVolumeTemp.plist"); }
 
-QString aepairExecCommand(const char* command) { return runWithOutputFile(command, "SteadyWiperRepairTemp.plist"); }
+CommandResult aepairExecCommand(const CommandLine& command) {
+    return runWithOutputFile(command, "SteadyWiperRepairTemp.plist");
+}
 
-QString diskExecCommand(const char* command) { return runWithOutputFile(command, "VelmoraDataEraserTemp.plist"); }
+CommandResult diskExecCommand(const CommandLine& command) {
+    return runWithOutputFile(command, "VelmoraDataEraserTemp.plist");
+}
 
 }  // namespace velmora

@@ -1,17 +1,36 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace velmora {
 
-// The shell runners: each deletes its own output file in the per-user temporary
-// folder, runs "COMMAND > OUTPUT" through the system shell, waits, and returns the
-// output path for the caller to read. A null command gives an empty path. The
-// command's exit status is never read.
-QString execCommand(const char* command);        // "SteadyWiperTemp.plist"
-QString eraserDiskCommand(const char* command);  // "eraserVolumeTemp.plist"
-QString eraserExecCommand(const char* command);  // "eraserVolumeTemp.plist"
-QString aepairExecCommand(const char* command);  // "SteadyWiperRepairTemp.plist"
-QString diskExecCommand(const char* command);    // "VelmoraDataEraserTemp.plist" (drive-copy picker)
+// A child process to start: the program and its arguments. No shell ever sees
+// them, so names, labels and paths inside are data, whatever characters they hold.
+struct CommandLine {
+    QString program;
+    QStringList arguments;
+};
+
+// How a runner's child ended and where its standard output is.
+struct CommandResult {
+    QString outputPath;        // the runner's output file; empty when the command was null
+    bool started = false;      // the child ran
+    bool exitedNormally = false;
+    int exitCode = -1;
+    QString failure;           // why it did not succeed (with the child's standard error); empty on success
+
+    bool succeeded() const { return started && exitedNormally && exitCode == 0 && failure.isEmpty(); }
+};
+
+// The runners: each removes its own output file in the per-user temporary folder,
+// creates it afresh (exclusively, owner-only, never through a link), runs the
+// program as a child with the arguments, waits, and writes the child's standard
+// output into the file. An empty program runs nothing and gives an empty path.
+CommandResult execCommand(const CommandLine& command);        // "SteadyWiperTemp.plist"
+CommandResult eraserDiskCommand(const CommandLine& command);  // "eraserVolumeTemp.plist"
+CommandResult eraserExecCommand(const CommandLine& command);  // "eraserVolumeTemp.plist"
+CommandResult aepairExecCommand(const CommandLine& command);  // "SteadyWiperRepairTemp.plist"
+CommandResult diskExecCommand(const CommandLine& command);    // "VelmoraDataEraserTemp.plist" (drive-copy picker)
 
 }  // namespace velmora

@@ -75,12 +75,13 @@ void VolumeScanner::getVolumeAllObjWithVolumeName(const QString& bsdName, Volume
     volume.volumeMountPoint = info.value("MountPoint").toString();
     volume.BusProtocol = info.value("BusProtocol").toString();
     volume.bCanEject = info.value("Ejectable").toBool();
+    // With the device node, the UUID identifies the volume the user sees listed.
+    volume.diskUUID = info.value("VolumeUUID").toString();
     if (m_screen == Screen::Erase) {
         volume.volumeType = fileSystemName;
     } else {
         volume.diskType = fileSystemName;
         volume.parentWholeDisk = info.value("ParentWholeDisk").toString();
-        volume.diskUUID = info.value("VolumeUUID").toString();
     }
     list.append(volume);
 }

@@ -18,8 +18,8 @@ class VolumeScanner : public QObject {
 
 public:
     enum class Screen {
-        Erase,     // fills volumeType
-        DiskTool,  // fills diskType, parentWholeDisk and diskUUID instead, queries with quotes
+        Erase,     // fills volumeType (both fill diskUUID)
+        DiskTool,  // fills diskType and parentWholeDisk instead, with its own runner
     };
 
     explicit VolumeScanner(Screen screen = Screen::Erase, QObject* parent = nullptr);

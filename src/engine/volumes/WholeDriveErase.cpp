@@ -1,21 +1,28 @@
 #include "engine/volumes/WholeDriveErase.h"
 
 #include "engine/erase/DoRemoveObj.h"
-#include "engine/platform/StandardPaths.h"
-#include "engine/volumes/DiskInfo.h"
 #include "engine/volumes/DiskUtilLine.h"
 #include "engine/volumes/FreeSpaceWipe.h"
-#include "engine/volumes/MountedVolumes.h"
-#include "engine/volumes/ShellRunners.h"
+#include "engine/volumes/VolumeIdentity.h"
 #include "engine/volumes/VolumeScanner.h"
 
-#include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
 #include <QFutureWatcher>
 #include <QProcess>
 #include <QtConcurrent>
 
 namespace velmora {
+namespace {
+
+QStringList entriesOf(const QString& folder) {
+    QStringList paths;
+    for (const QString& entry : QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
+        paths.append(folder + "/" + entry);
+    return paths;
+}
+
+}  // namespace
 
 WholeDriveErase::WholeDriveErase(FreeSpaceWipe* wipe, QObject* parent) : QObject(parent), m_wipe(wipe) {}
 
@@ -24,36 +31,47 @@ WholeDriveErase::~WholeDriveErase() { stopDo(); }
 void WholeDriveErase::makeSureToWipeSelectVolume() {
     m_wipe->setEraserTime();
     m_wipe->setIsBegin(true);
-    const VolumeObj& volume = m_wipe->selectVolumeObj;
+    m_leftovers.clear();
+    VolumeObj& volume = m_wipe->selectVolumeObj;
+    QString error;
+    if (!pinVolume(volume, &error)) {
+        fail(QString("Nothing was erased: %1.").arg(error));
+        return;
+    }
     if (volume.volumeType.contains("ntfs") || volume.volumeType.contains("NTFS"))
         eraseNtfsAsFat32();
     else
-        doTrWithArr({"reformat", QString("%1").arg(volume.volumePath)});
+        doTrWithArr({"reformat", volume.volRootDir});
 }
 
 void WholeDriveErase::doTrWithArr(const QStringList& arguments) {
     if (m_task) stopDo();
-    const DiskUtilCall call = diskUtilCall(arguments);
+    m_command = asAdministrator(diskUtilLine(arguments));
+    m_errorOutput.clear();
     m_task = new QProcess(this);
-    m_task->setProgram(call.program);
-    m_task->setArguments(call.arguments);
+    m_task->setProgram(m_command.program);
+    m_task->setArguments(m_command.arguments);
+    m_task->setStandardInputFile(QProcess::nullDevice());
     m_isPartitionEraser = true;
     connect(m_task, &QProcess::readyReadStandardOutput, this, &WholeDriveErase::doThing);
     connect(m_task, &QProcess::readyReadStandardError, this, &WholeDriveErase::doThingError);
-    connect(m_task, &QProcess::finished, this, &WholeDriveErase::stop);
+    connect(m_task, &QProcess::finished, this, [this](int exitCode, QProcess::ExitStatus status) {
+        stop(exitCode, status == QProcess::NormalExit);
+    });
     connect(m_task, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error != QProcess::FailedToStart) return;
         qWarning("This is do reformat volumes");
-        const QString program = m_task->program();
+        const QString reason = m_task->errorString();
         m_task->disconnect(this);
         m_task->deleteLater();
         m_task = nullptr;
-        emit runStalled(QString("the disk utility %1 could not be started").arg(program));
+        m_isPartitionEraser = false;
+        fail(QString("Nothing was erased: the disk utility %1 could not be started (%2).").arg(m_command.program, reason));
     });
     m_task->start();
 }
 
-// The output is only logged; the reformat's outcome shows in the fill that follows.
+// The output is logged; the reformat's outcome is its exit status.
 void WholeDriveErase::doThing() {
     qInfo("1-doThing-----");
     if (!m_task) return;
@@ -66,42 +84,57 @@ void WholeDriveErase::doThing() {
 void WholeDriveErase::doThingError() {
     if (!m_task) return;
     const QString text = QString::fromUtf8(m_task->readAllStandardError());
-    if (!text.isEmpty()) qInfo("------%s", qPrintable(text));
+    if (text.isEmpty()) return;
+    qInfo("------%s", qPrintable(text));
+    m_errorOutput += text;
 }
 
-void WholeDriveErase::stop() {
+void WholeDriveErase::stop(int exitCode, bool exitedNormally) {
     if (m_task) {
+        m_errorOutput += QString::fromUtf8(m_task->readAllStandardError());
         m_task->disconnect(this);
         m_task->deleteLater();
         m_task = nullptr;
     }
     if (!m_isPartitionEraser) return;
-    const QDateTime started = QDateTime::currentDateTime();
-    const QString volumeName = m_wipe->selectVolumeObj.volumeName;
-    const QString folder = folderOfVolumeNamed(volumeName);
-    if (folder.isEmpty()) {
-        // Measured within this call, so it never fires; kept as the erase always had it.
-        if (started.secsTo(QDateTime::currentDateTime()) > 60) rescanVolumes();
-        emit runStalled(QString("the volume \"%1\" is not there after the reformat").arg(volumeName));
+    m_isPartitionEraser = false;
+    const QString& name = m_wipe->selectVolumeObj.volumeName;
+    if (!exitedNormally || exitCode != 0) {
+        const QString why = exitedNormally ? diskUtilFailure(m_command, exitCode, m_errorOutput.trimmed())
+                                           : QString("the disk utility was killed");
+        fail(QString("The volume \"%1\" could not be reformatted: %2.").arg(name, why));
         return;
     }
-    QStringList leftovers;
-    for (const QString& entry : QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
-        leftovers.append(folder + "/" + entry);
+    beginStageTwo();
+}
+
+void WholeDriveErase::beginStageTwo() {
+    const std::optional<ResolvedVolume> volume = reformattedVolume(true);
+    if (!volume) return;
+    m_leftovers = entriesOf(volume->mountPoint);
     m_wipe->resetRounds();
-    if (leftovers.isEmpty()) {
-        rescanVolumes();
-        startFillOfVolumeNamed(volumeName);
+    rescanVolumes();
+    if (m_leftovers.isEmpty()) {
+        startFillOfReformattedVolume();
         return;
     }
     delete m_remover;
     m_remover = new DoRemoveObj(this);
     connect(m_remover, &DoRemoveObj::removeObjEnd, this, &WholeDriveErase::removeObjEnd);
-    m_remover->initWithArr(leftovers);
-    rescanVolumes();
+    m_remover->initWithArr(m_leftovers);
 }
 
-void WholeDriveErase::removeObjEnd() { startFillOfVolumeNamed(m_wipe->selectVolumeObj.volumeName); }
+void WholeDriveErase::removeObjEnd() {
+    QStringList remaining;
+    for (const QString& path : m_leftovers)
+        if (QFileInfo(path).exists() || QFileInfo(path).isSymLink()) remaining.append(QFileInfo(path).fileName());
+    if (!remaining.isEmpty()) {
+        fail(QString("The volume \"%1\" was reformatted, but these entries could not be erased: %2.")
+                 .arg(m_wipe->selectVolumeObj.volumeName, remaining.join(", ")));
+        return;
+    }
+    startFillOfReformattedVolume();
+}
 
 void WholeDriveErase::stopDo() {
     if (!m_task) return;
@@ -115,38 +148,52 @@ void WholeDriveErase::stopDo() {
 // Stage 1 for NTFS, which the system can read but not write: erased as FAT32
 // under the fixed name "NEW", then filled.
 void WholeDriveErase::eraseNtfsAsFat32() {
-    const QByteArray deviceNode = m_wipe->selectVolumeObj.volRootDir.toUtf8();
-    auto* watcher = new QFutureWatcher<void>(this);
-    connect(watcher, &QFutureWatcher<void>::finished, this, [this, watcher] {
+    const CommandLine command =
+        asAdministrator(diskUtilLine({"eraseVolume", "MS-DOS FAT32", "NEW", m_wipe->selectVolumeObj.volRootDir}));
+    auto* watcher = new QFutureWatcher<CommandResult>(this);
+    connect(watcher, &QFutureWatcher<CommandResult>::finished, this, [this, watcher, command] {
+        const CommandResult result = watcher->result();
         watcher->deleteLater();
-        startFillOfVolumeNamed("NEW");
+        qInfo("format volume : %s", qPrintable(result.outputPath));
+        if (!result.succeeded()) {
+            const QString why = result.started && result.exitedNormally
+                                    ? diskUtilFailure(command, result.exitCode, result.failure)
+                                    : result.failure;
+            fail(QString("The volume \"%1\" could not be erased as FAT32: %2.").arg(m_wipe->selectVolumeObj.volumeName, why));
+            return;
+        }
+        beginStageTwo();
     });
-    watcher->setFuture(QtConcurrent::run([deviceNode] {
-        const QByteArray line = diskUtilLine(128, "diskutil eraseVolume \"MS-DOS FAT32\" NEW \"%s\"", deviceNode.constData());
-        const QString outputPath = eraserDiskCommand(asAdministrator(line).constData());
-        qInfo(" rename : %s ", qPrintable(outputPath));
-        qInfo("format volume : %s", qPrintable(outputPath));
-    }));
+    watcher->setFuture(QtConcurrent::run([command] { return eraserDiskCommand(command); }));
 }
 
-void WholeDriveErase::startFillOfVolumeNamed(const QString& volumeName) {
-    const QVariantMap info = getDisjInfo(volumeName.toUtf8().constData(), DiskInfoScreen::WipeDisk);
-    VolumeObj& volume = m_wipe->selectVolumeObj;
-    volume.volumeFreeSizeNum = info.value("FreeSpace").toLongLong();
-    // On Linux the fill goes to the mount point, which the reformat may have moved.
-    if (info.contains("MountPoint")) volume.volumeMountPoint = info.value("MountPoint").toString();
+void WholeDriveErase::startFillOfReformattedVolume() {
+    const std::optional<ResolvedVolume> volume = reformattedVolume(false);
+    if (!volume) return;
+    m_wipe->selectVolumeObj.volumeFreeSizeNum = volume->freeBytes;
     m_wipe->doFreeSpaceAction();
 }
 
-QString WholeDriveErase::folderOfVolumeNamed(const QString& volumeName) const {
-    if (StandardPaths::layout() == StandardPaths::Layout::MacOS) {
-        for (const QString& entry : volumesRootEntries())
-            if (entry == volumeName) return StandardPaths::volumesRoot() + "/" + entry;
-        return {};
+// The fresh file system on the pinned device node. The first time after the
+// reformat it takes whatever UUID the device holds now; from then on the record
+// pins that UUID and device number, so only the same file system is accepted.
+std::optional<ResolvedVolume> WholeDriveErase::reformattedVolume(bool firstLookAfterReformat) {
+    VolumeObj& pinned = m_wipe->selectVolumeObj;
+    const VolumeIdentity identity = VolumeIdentity::of(pinned);
+    QString error;
+    const std::optional<ResolvedVolume> volume =
+        firstLookAfterReformat ? identity.resolveReformatted(&error) : identity.resolve(&error);
+    if (!volume) {
+        fail(QString("The volume \"%1\" was reformatted, but it cannot be erased further: %2.").arg(pinned.volumeName, error));
+        return std::nullopt;
     }
-    const QVariantMap info = getDisjInfo(volumeName.toUtf8().constData(), DiskInfoScreen::WipeDisk);
-    if (info.value("VolumeName").toString() != volumeName) return {};
-    return info.value("MountPoint").toString();
+    applyResolvedVolume(*volume, pinned);
+    return volume;
+}
+
+void WholeDriveErase::fail(const QString& reason) {
+    qWarning("%s", qPrintable(reason));
+    QMetaObject::invokeMethod(this, [this, reason] { m_wipe->failRun(reason); }, Qt::QueuedConnection);
 }
 
 void WholeDriveErase::rescanVolumes() {

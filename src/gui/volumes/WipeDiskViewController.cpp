@@ -5,6 +5,7 @@
 #include "engine/history/DoDataBase.h"
 #include "engine/platform/NotificationCenter.h"
 #include "engine/volumes/FreeSpaceWipe.h"
+#include "engine/volumes/VolumeIdentity.h"
 #include "engine/volumes/VolumeScanner.h"
 #include "engine/volumes/WatchMountUnmount.h"
 #include "engine/volumes/WholeDriveErase.h"
@@ -75,7 +76,6 @@ WipeDiskViewController::WipeDiskViewController(MainWindowController* superDelega
         if (m_progressPanel) m_progressPanel->closeWindow();
     });
     connect(m_wipe, &FreeSpaceWipe::eraserEnded, this, &WipeDiskViewController::showEndEraser);
-    connect(m_erase, &WholeDriveErase::runStalled, this, &WipeDiskViewController::runStalled);
 
     changeFormatOrFreeSpaceView(1);
     updateHistoryButton();
@@ -154,10 +154,29 @@ void WipeDiskViewController::scanBegan() {
     reloadData();
 }
 
+// While a confirmation is open or a run goes on, the chosen volume stays as it
+// was chosen, whatever the new list holds: the run acts on it or fails.
 void WipeDiskViewController::scanEnded() {
     m_busyIndicator->hide();
     reloadData();
-    if (!m_wipe->isBegin()) selectVolumeButton(-1);
+    if (!m_wipe->isBegin() && !m_runActive && !confirmationOpen()) selectVolumeButton(-1);
+}
+
+bool WipeDiskViewController::confirmationOpen() const {
+    return (m_makeSureFreeSpacePanel && m_makeSureFreeSpacePanel->isVisible()) ||
+           (m_makeSureDiskPanel && m_makeSureDiskPanel->isVisible());
+}
+
+// The row of the chosen volume in the current list, found by its device node and
+// UUID: a row index or a name may belong to another volume after a rescan.
+int WipeDiskViewController::rowOfSelectedVolume() const {
+    if (m_selectIndex < 0) return -1;
+    const VolumeObj& chosen = m_wipe->selectVolumeObj;
+    for (int row = 0; row < allVolumeArr().size(); ++row) {
+        const VolumeObj& listed = allVolumeArr().at(row);
+        if (listed.volRootDir == chosen.volRootDir && listed.diskUUID == chosen.diskUUID) return row;
+    }
+    return -1;
 }
 
 void WipeDiskViewController::reloadData() {
@@ -167,9 +186,11 @@ void WipeDiskViewController::reloadData() {
 }
 
 void WipeDiskViewController::selectVolumeButton(int clickedRow) {
-    const int row = clickedRow >= 0 ? clickedRow : m_selectIndex;
+    const int row = clickedRow >= 0 ? clickedRow : rowOfSelectedVolume();
     if (row < 0 || row >= allVolumeArr().size()) {
+        m_selectIndex = -1;
         m_wipeButton->setEnabled(false);
+        m_selectedLabel->clear();
         reloadData();
         return;
     }
@@ -231,6 +252,7 @@ void WipeDiskViewController::doFreeAction() {
     m_makeSureFreeSpacePanel = new MakeSureWipeFreeSpaceViewController(m_wipe->selectVolumeObj.volumeName, this);
     connect(m_makeSureFreeSpacePanel, &MakeSureWipeFreeSpaceViewController::makeSureToWipeFreeSpaceSelectVolume, this,
             &WipeDiskViewController::makeSureToWipeFreeSpaceSelectVolume);
+    connect(m_makeSureFreeSpacePanel, &QDialog::rejected, this, &WipeDiskViewController::confirmationCancelled);
     m_makeSureFreeSpacePanel->open();
 }
 
@@ -238,10 +260,22 @@ void WipeDiskViewController::doEraserPartiltion() {
     m_makeSureDiskPanel = new MakeSureWipeDiskViewController(m_wipe->selectVolumeObj.volumeName, this);
     connect(m_makeSureDiskPanel, &MakeSureWipeDiskViewController::makeSureToWipeSelectVolume, this,
             &WipeDiskViewController::makeSureToWipeSelectVolume);
+    connect(m_makeSureDiskPanel, &QDialog::rejected, this, &WipeDiskViewController::confirmationCancelled);
     m_makeSureDiskPanel->open();
 }
 
+// A list rescanned while the confirmation was open gets its choice back.
+void WipeDiskViewController::confirmationCancelled() {
+    if (!m_scanner->isScanV()) selectVolumeButton(-1);
+}
+
 void WipeDiskViewController::makeSureToWipeFreeSpaceSelectVolume() {
+    QString identityError;
+    if (!pinVolume(m_wipe->selectVolumeObj, &identityError)) {
+        m_wipe->failRun(QString("Nothing was wiped: %1.").arg(identityError));
+        return;
+    }
+    m_runActive = true;
     lockSidebar(true);
     auto* panel = new WipeFreeSpaceProViewController(EraserLevel::displayName(FreeSpaceWipe::getEraserTimes()), this);
     connect(panel, &WipeFreeSpaceProViewController::cancelWipeButtonAction, m_wipe,
@@ -252,6 +286,7 @@ void WipeDiskViewController::makeSureToWipeFreeSpaceSelectVolume() {
 }
 
 void WipeDiskViewController::makeSureToWipeSelectVolume() {
+    m_runActive = true;
     lockSidebar(true);
     auto* panel = new WipeDiskProViewController(EraserLevel::displayName(FreeSpaceWipe::getEraserTimes()), this);
     connect(panel, &WipeFreeSpaceProViewController::cancelWipeButtonAction, m_wipe,
@@ -263,6 +298,7 @@ void WipeDiskViewController::makeSureToWipeSelectVolume() {
 }
 
 void WipeDiskViewController::showEndEraser(bool succeeded, const QString& endText, bool cancelled) {
+    m_runActive = false;
     lockSidebar(false);
     if (m_progressPanel) m_progressPanel->closeWindow();
     if (succeeded) {
@@ -273,11 +309,6 @@ void WipeDiskViewController::showEndEraser(bool succeeded, const QString& endTex
         m_failPanel->open();
     }
     updateHistoryButton();
-}
-
-void WipeDiskViewController::runStalled(const QString& reason) {
-    lockSidebar(false);
-    if (m_progressPanel) m_progressPanel->showStalled(reason);
 }
 
 void WipeDiskViewController::lockSidebar(bool locked) {

@@ -32,7 +32,9 @@ class WipeSuccessViewController;
 // chosen with its radio button, and "Erase Now" that confirms and runs the
 // whole-drive erase or the free-space wipe with a progress view and an end
 // view. The list is rescanned when volumes are mounted or unmounted and after
-// every run; the sidebar is locked while a run goes on.
+// every run; the choice follows its volume (device node and UUID) through a
+// rescan and never moves while a confirmation is open or a run goes on; the
+// sidebar is locked while a run goes on.
 class WipeDiskViewController : public QWidget {
     Q_OBJECT
 public:
@@ -81,16 +83,18 @@ private:
     void createTable();
     void createFooter();
     void reloadData();
+    bool confirmationOpen() const;
+    int rowOfSelectedVolume() const;
     void updateHistoryButton();
     void scanBegan();
     void scanEnded();
     void doFreeAction();
     void doEraserPartiltion();
     void makeSureToWipeFreeSpaceSelectVolume();
+    void confirmationCancelled();
     void makeSureToWipeSelectVolume();
     void openProgressPanel(WipeFreeSpaceProViewController* panel);
     void showEndEraser(bool succeeded, const QString& endText, bool cancelled);
-    void runStalled(const QString& reason);
     void showNotice(GuideNotice* notice);
     void lockSidebar(bool locked);
 
@@ -101,6 +105,7 @@ private:
     WatchMountUnmount* m_mountWatcher;
     VolumeTableModel* m_model;
     int m_selectIndex = -1;
+    bool m_runActive = false;  // from the confirmed start to the end view
 
     QLabel* m_titleLabel = nullptr;
     QLabel* m_subtitleLabel = nullptr;
