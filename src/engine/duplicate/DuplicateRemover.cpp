@@ -1,12 +1,14 @@
 #include "engine/duplicate/DuplicateRemover.h"
 
 #include "engine/duplicate/DuplicateLog.h"
+#include "engine/duplicate/PathNames.h"
 #include "engine/erase/KxAuthorization.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -231,6 +233,17 @@ int removeBelow(int folderFd, dev_t device) {
     return failure;
 }
 
+// Where the open folder is now, free of links (the kernel's own record).
+QString currentPathOf(int folderFd) {
+#if defined(__APPLE__)
+    char path[PATH_MAX];
+    if (fcntl(folderFd, F_GETPATH, path) == 0) return QFile::decodeName(path);
+    return {};
+#else
+    return QFileInfo(QString("/proc/self/fd/%1").arg(folderFd)).symLinkTarget();
+#endif
+}
+
 DuplicateRemover::Verdict verdict(DuplicateRemover::Outcome outcome, const QString& reason) {
     return {outcome, reason};
 }
@@ -284,10 +297,13 @@ DuplicateRemover::Verdict DuplicateRemover::removeFile(const Removal& removal) {
         if (unlinkat(opened.folder.get(), opened.name.constData(), 0) == 0) return verdict(Outcome::Removed, {});
         const int error = errno;
         if (error != EACCES && error != EPERM) return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(error)));
-        // The folder is not ours to change: the privileged removal is asked,
-        // and the copy counts as removed only when its name is gone.
+        // The folder is not ours to change: the privileged removal is asked
+        // for the checked folder's own path, free of links, and the copy
+        // counts as removed only when its name is gone from that folder.
+        const QString folderPath = currentPathOf(opened.folder.get());
+        if (folderPath.isEmpty()) return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(error)));
         struct stat st;
-        KxAuthorization::removeItemAtPath(copy.path);
+        KxAuthorization::removeItemAtPath(PathNames::appendComponent(folderPath, QFile::decodeName(opened.name)));
         if (fstatat(opened.folder.get(), opened.name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT)
             return verdict(Outcome::Removed, {});
         return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(error)));
