@@ -146,5 +146,36 @@ TEST(Removal, LinksPutInPlaceAfterTheSearchAreNotFollowed) {
     EXPECT_TRUE(QFileInfo(swapped).isSymLink());
 }
 
+// Bundles: one whose inner file changed after the search stays; one that
+// holds a link to a folder elsewhere loses the link, never the folder's files.
+TEST(Removal, BundlesAreComparedFileByFileAndRemovedWithoutFollowingLinks) {
+    test::TestTree tree, elsewhere;
+    const QString outsideFile = elsewhere.write("lib/keep-me.so", test::randomBytes(3000, 31));
+    const QByteArray binary = test::randomBytes(4000, 32), other = test::randomBytes(4000, 33);
+    for (const char* bundle : {"one/Tool.app", "two/Tool.app"}) {
+        tree.write(QString("%1/Contents/bin").arg(bundle), binary);
+        ASSERT_EQ(symlink(qPrintable(elsewhere.path("lib")), qPrintable(tree.path(QString("%1/Contents/lib").arg(bundle)))), 0);
+    }
+    for (const char* bundle : {"one/Edit.app", "two/Edit.app"}) tree.write(QString("%1/bin").arg(bundle), other);
+    Search search(tree.path());
+    ASSERT_EQ(search.root->children().size(), 2);
+    QList<DuplicateRemover::Removal> removals;
+    for (const SimpleTreeNode::Pointer& group : search.root->children()) {
+        ASSERT_EQ(group->data().extendName, "APP");
+        removals.append(search.removalOf(group->children().first()->data().name));
+    }
+    const DuplicateRemover::Removal& tool = removals[0].copy.path.endsWith("Tool.app") ? removals[0] : removals[1];
+    const DuplicateRemover::Removal& edit = removals[0].copy.path.endsWith("Tool.app") ? removals[1] : removals[0];
+    overwriteKeepingSizeAndTime(edit.copy.path + "/bin");
+
+    DuplicateRemover remover;
+    EXPECT_EQ(remover.remove(edit).outcome, Outcome::CopyChanged);
+    EXPECT_TRUE(QFileInfo::exists(edit.copy.path + "/bin"));
+    EXPECT_TRUE(remover.remove(tool).removed());
+    EXPECT_FALSE(QFileInfo::exists(tool.copy.path));
+    EXPECT_EQ(contentOf(tool.others.first().path + "/Contents/bin"), binary);
+    EXPECT_EQ(contentOf(outsideFile), test::randomBytes(3000, 31));
+}
+
 }  // namespace
 }  // namespace velmora
