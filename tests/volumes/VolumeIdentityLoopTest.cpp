@@ -1,0 +1,196 @@
+// Whole-drive erase and free-space wipe through velmora-cli on real loop volumes,
+// attacked through what identifies a volume: a second volume with the same label,
+// labels holding shell syntax, a reformat that fails, and a reformat that keeps
+// the old blocks (so only stage 2 can have erased them).
+#include "VolumeTestSupport.h"
+#include "support/LoopVolume.h"
+#include "engine/erase/EraserLevel.h"
+
+#include <QProcessEnvironment>
+
+namespace velmora::test {
+namespace {
+
+class VolumeIdentityLoopTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ensureApplication();
+        EraserLevel::store(1);
+        if (const std::string why = loopDevicesUnavailable(); !why.empty()) GTEST_SKIP() << "SKIPPED: " << why;
+    }
+
+    // An ext4 loop volume with this label, mounted at FOLDER/vol (the folder's
+    // name never carries the label, so the label alone is under test).
+    std::unique_ptr<LoopVolume> ext4Volume(const QString& label, QString& mountPoint, int sizeMiB = 32) {
+        auto volume = std::make_unique<LoopVolume>(sizeMiB);
+        EXPECT_EQ(volume->setupProblem(), "");
+        EXPECT_EQ(volume->format("ext4", label.toStdString()), "");
+        mountPoint = QString::fromStdString(volume->mount("ext4", "vol"));
+        EXPECT_FALSE(mountPoint.isEmpty());
+        return volume;
+    }
+
+    // Runs velmora-cli in the folder given, with extra environment; its exit code.
+    static int cli(const QStringList& arguments, QByteArray* output, const QString& workingFolder,
+                   const QProcessEnvironment& extra = {}) {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(extra);
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(workingFolder);
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(binDir() + "/velmora-cli", arguments);
+        if (!process.waitForFinished(300000)) {
+            process.kill();
+            process.waitForFinished();
+            return -1;
+        }
+        *output = process.readAll();
+        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+
+    // A disk utility standing in for velmora-diskutil: "reformat" runs BODY (with
+    // $2 the device), everything else goes to the real tool.
+    QString standInDiskUtil(const QByteArray& reformatBody) {
+        const QString path = m_folder.filePath("diskutil-stand-in");
+        QFile script(path);
+        EXPECT_TRUE(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\nif [ \"$1\" = reformat ]; then\n" + reformatBody + "\nfi\nexec '" +
+                     QFile::encodeName(binDir()) + "/velmora-diskutil' \"$@\"\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return path;
+    }
+
+    static void writeFile(const QString& path, const QByteArray& contents) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+        file.write(contents);
+        file.close();
+        ::sync();
+    }
+
+    static QByteArray readFile(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+    }
+
+    static QStringList entries(const QString& folder) {
+        return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+
+    TempDataDir m_data;
+    QTemporaryDir m_folder;
+};
+
+TEST_F(VolumeIdentityLoopTest, EraseDriveErasesOnlyTheChosenOfTwoVolumesWithTheSameLabel) {
+    const QString label = QString::fromStdString(uniqueLabel("TWIN"));
+    QString chosenMount, otherMount;
+    const auto chosen = ext4Volume(label, chosenMount);
+    const auto other = ext4Volume(label, otherMount);
+    ASSERT_FALSE(chosenMount.isEmpty() || otherMount.isEmpty());
+    writeFile(chosenMount + "/chosen.txt", "erase me");
+    writeFile(otherMount + "/other.txt", "keep me");
+
+    QByteArray output;
+    // The label names two volumes: it is refused as an operand.
+    EXPECT_EQ(cli({"erase-drive", "--yes", label}, &output, m_folder.path()), 2) << output.toStdString();
+    EXPECT_TRUE(output.contains("2 volumes are named")) << output.toStdString();
+    EXPECT_EQ(readFile(chosenMount + "/chosen.txt"), "erase me");
+
+    ASSERT_EQ(cli({"erase-drive", "--yes", chosenMount}, &output, m_folder.path()), 0) << output.toStdString();
+    EXPECT_EQ(entries(chosenMount), QStringList());
+    EXPECT_EQ(entries(otherMount), QStringList({"lost+found", "other.txt"}));
+    EXPECT_EQ(readFile(otherMount + "/other.txt"), "keep me");
+    EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:" + label + "|Erased"});
+}
+
+// Labels are data: the volume is queried, wiped and reformatted under its own
+// label, and nothing in it runs (a command would create a file in the working
+// folder of velmora-cli, or in /tmp).
+TEST_F(VolumeIdentityLoopTest, LabelsWithShellSyntaxAreWipedAndReformattedAndNeverRun) {
+    const QString tag = QString::fromStdString(uniqueLabel("P")).right(4);
+    const QStringList labels = {"x;touch PW" + tag, "$(touch PX" + tag + ")", "MY DISK", "x\"y", "`touch PY" + tag + "`"};
+    const QStringList markers = {"PW" + tag, "PX" + tag, "PY" + tag};
+    for (const QString& label : labels) {
+        SCOPED_TRACE(label.toStdString());
+        QString mountPoint;
+        const auto volume = ext4Volume(label, mountPoint, 24);
+        ASSERT_FALSE(mountPoint.isEmpty());
+        writeFile(mountPoint + "/file.txt", "data");
+
+        QByteArray output;
+        EXPECT_EQ(cli({"wipe-free", "--yes", mountPoint}, &output, m_folder.path()), 0) << output.toStdString();
+        EXPECT_EQ(readFile(mountPoint + "/file.txt"), "data");
+        EXPECT_EQ(cli({"erase-drive", "--yes", mountPoint}, &output, m_folder.path()), 0) << output.toStdString();
+        EXPECT_EQ(entries(mountPoint), QStringList());
+        QByteArray blkid;
+        run("blkid", {"-p", "-s", "LABEL", "-o", "value", QString::fromStdString(volume->node())}, &blkid);
+        EXPECT_EQ(QString::fromUtf8(blkid).trimmed(), label);
+        EXPECT_TRUE(volumeHistoryItems().contains("Erase Hard Drive:" + label + "|Erased"));
+        EXPECT_TRUE(volumeHistoryItems().contains("Erase Free Space:" + label + "|Erased"));
+    }
+    for (const QString& marker : markers) {
+        EXPECT_FALSE(QFileInfo::exists(m_folder.filePath(marker))) << marker.toStdString();
+        EXPECT_FALSE(QFileInfo::exists("/tmp/" + marker)) << marker.toStdString();
+    }
+}
+
+// A reformat the disk utility could not do (refused, busy) fails the job before
+// any file is touched: exit status 1, "Failed" printed and recorded.
+TEST_F(VolumeIdentityLoopTest, FailingReformatFailsTheJobAndTouchesNoFile) {
+    const QString label = QString::fromStdString(uniqueLabel("FAIL"));
+    QString mountPoint;
+    const auto volume = ext4Volume(label, mountPoint);
+    ASSERT_FALSE(mountPoint.isEmpty());
+    writeFile(mountPoint + "/kept.txt", "still here");
+    QProcessEnvironment environment;
+    environment.insert("VELMORA_DISKUTIL", standInDiskUtil("echo 'Could not unmount: target is busy' >&2\nexit 1"));
+
+    QByteArray output;
+    EXPECT_EQ(cli({"erase-drive", "--yes", mountPoint}, &output, m_folder.path(), environment), 1) << output.toStdString();
+    EXPECT_TRUE(output.contains("Failed  Erase Hard Drive:" + label.toUtf8())) << output.toStdString();
+    EXPECT_TRUE(output.contains("could not be reformatted")) << output.toStdString();
+    EXPECT_TRUE(output.contains("target is busy")) << output.toStdString();
+    EXPECT_EQ(readFile(mountPoint + "/kept.txt"), "still here");
+    EXPECT_EQ(entries(mountPoint), QStringList({"kept.txt", "lost+found"}));
+    EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:" + label + "|Failed"});
+}
+
+// A FAT32 reformat (mkfs.vfat) writes new tables and keeps the old data blocks,
+// which is shown first: the marker survives stage 1 alone. After the whole erase
+// it is gone from the raw image, so stage 2 (leftovers and fill) erased it.
+TEST_F(VolumeIdentityLoopTest, StageTwoErasesWhatTheReformatLeaves) {
+    const QString label = QString::fromStdString(uniqueLabel("KEEP")).left(11).toUpper();
+    auto volume = std::make_unique<LoopVolume>(48);
+    ASSERT_EQ(volume->setupProblem(), "");
+    std::string point;
+    if (const std::string why = volume->formatAndMount("vfat", label.toStdString(), point); !why.empty())
+        GTEST_SKIP() << "SKIPPED: FAT32 cannot be mounted here: " << why;
+    const QString mountPoint = QString::fromStdString(point);
+    const QString node = QString::fromStdString(volume->node());
+    const QByteArray marker = uniqueMarker();
+    QByteArray contents;
+    for (int i = 0; i < 4000; ++i) contents += marker + " " + QByteArray::number(i) + "\n";
+    writeFile(mountPoint + "/secret.txt", contents);
+    ASSERT_TRUE(volume->unmountAll());
+    ASSERT_GT(volume->countInImage(marker.toStdString()), 0) << "the marker never reached the image";
+    ASSERT_FALSE(volume->mount("vfat", label.toStdString()).empty());
+
+    // Stage 1 alone, by the disk utility itself, keeps the marker.
+    QByteArray output;
+    ASSERT_EQ(run(binDir() + "/velmora-diskutil", {"reformat", node}, &output), 0) << output.toStdString();
+    ASSERT_TRUE(volume->unmountAll());
+    ASSERT_GT(volume->countInImage(marker.toStdString()), 0) << "the reformat cleared the old blocks";
+    ASSERT_FALSE(volume->mount("vfat", label.toStdString()).empty());
+
+    ASSERT_EQ(cli({"erase-drive", "--yes", mountPoint}, &output, m_folder.path()), 0) << output.toStdString();
+    const std::vector<std::string> mounts = volume->mountPoints();
+    ASSERT_EQ(mounts.size(), 1u);
+    EXPECT_EQ(entries(QString::fromStdString(mounts.front())), QStringList());
+    ASSERT_TRUE(volume->unmountAll());
+    EXPECT_EQ(volume->countInImage(marker.toStdString()), 0);
+}
+
+}  // namespace
+}  // namespace velmora::test
