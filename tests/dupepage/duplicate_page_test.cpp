@@ -382,6 +382,27 @@ private slots:
         QVERIFY(m_page->removeButton()->isEnabled());
     }
 
+    // With every copy of a group ticked (after the sheet), the removal still
+    // leaves the last one on disk and says why.
+    void allCopiesTickedStillLeavesOne() {
+        searchAndWait(makeTree());
+        SimpleTreeNode::Pointer music = m_page->results()->categoryTree(DuplicateResults::Music)->children().first();
+        const QStringList copies = {music->children()[0]->data().name, music->children()[1]->data().name};
+        m_page->alertEnded(QDialog::Accepted, music->children().last());
+        QCOMPARE(m_page->results()->allSelectNumArr().size(), 8);
+
+        m_page->delDuplicateItems();
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->failPanel(), kSearchTimeoutMs);
+        QCOMPARE(m_page->failPanel()->titleText(), QString("Some copies were left on the disk"));
+        QVERIFY2(m_page->failPanel()->messageText().contains("it is the last copy left"),
+                 qPrintable(m_page->failPanel()->messageText()));
+        QCOMPARE(m_page->delNodesArr().size(), 7);
+        QCOMPARE(int(QFileInfo::exists(copies[0])) + int(QFileInfo::exists(copies[1])), 1);
+        QFile left(QFileInfo::exists(copies[0]) ? copies[0] : copies[1]);
+        QVERIFY(left.open(QIODevice::ReadOnly));
+        QCOMPARE(left.readAll(), contentFor(2, 5000));
+    }
+
     // Stopped before it could finish, a removal forgets the selection; what
     // it removed is gone from disk and outline, everything listed is on disk.
     void stoppedRemovalForgetsTheSelection() {
