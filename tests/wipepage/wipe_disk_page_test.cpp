@@ -146,8 +146,8 @@ private slots:
     }
 
     // Nothing chosen: no button. A click chooses the row; a rescan clears and
-    // re-applies the choice by its index; an unmount rescans, and an index no
-    // longer inside the list leaves the button disabled.
+    // re-applies the choice by its device node and UUID; when the chosen volume is
+    // unmounted the choice goes, and never moves to whatever row took its place.
     void selectionTextAndButtonRules() {
         m_window->mouseClickAction(2);
         QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
@@ -174,13 +174,59 @@ private slots:
         QVERIFY(waitUntil([this] {
             return rowOfDevice(m_page, m_device) < 0 && !m_page->busyIndicator()->isVisible();
         }));
-        const bool inside = m_page->selectIndex() < m_page->allVolumeArr().size();
-        QCOMPARE(m_page->wipeButton()->isEnabled(), inside);
-        if (inside)
-            QCOMPARE(m_page->selectedLabel()->text(),
-                     "You have selected: " + m_page->allVolumeArr().at(m_page->selectIndex()).volumeName);
-        else
-            QVERIFY(m_page->selectedLabel()->text().isEmpty());
+        QCOMPARE(m_page->selectIndex(), -1);
+        QVERIFY(!m_page->wipeButton()->isEnabled());
+        QVERIFY(m_page->selectedLabel()->text().isEmpty());
+    }
+
+    // A volume mounted while the confirmation is open rescans the list; the
+    // confirmed run still acts on the volume that was chosen, found by its device.
+    void mountEventsWhileTheConfirmationIsOpenKeepTheChosenVolume() {
+        m_window->mouseClickAction(2);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        serveEventsFor(600);
+        clickRow(m_page, rowOfDevice(m_page, m_device));
+        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
+        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
+        QVERIFY(confirm && confirm->isVisible());
+
+        // Another volume is mounted and the chosen one is remounted after it: the list
+        // follows mount order, so the chosen volume's old row now holds another one.
+        const int chosenRow = rowOfDevice(m_page, m_device);
+        LoopVolume other(32);
+        QCOMPARE(other.setupProblem(), std::string());
+        std::string otherMount;
+        QCOMPARE(other.formatAndMount("ext4", "AAVELOTHER", otherMount), std::string());
+        const QString otherDevice = QString::fromStdString(other.node());
+        QVERIFY(waitUntil([&] { return rowOfDevice(m_page, otherDevice) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(m_volume->unmountAll());
+        QVERIFY(waitUntil([&] { return rowOfDevice(m_page, m_device) < 0 && !m_page->busyIndicator()->isVisible(); }));
+        QCOMPARE(m_volume->mount("ext4", kLabel), m_mountPoint.toStdString());
+        QVERIFY(waitUntil([&] {
+            return rowOfDevice(m_page, m_device) > rowOfDevice(m_page, otherDevice) && !m_page->busyIndicator()->isVisible();
+        }));
+        QVERIFY(rowOfDevice(m_page, m_device) != chosenRow);
+        QVERIFY(confirm->isVisible());
+        QCOMPARE(m_page->selectVolumeObj().volRootDir, m_device);
+        QFile otherFile(QString::fromStdString(otherMount) + "/other.txt");
+        QVERIFY(otherFile.open(QIODevice::WriteOnly));
+        otherFile.write("other volume");
+        otherFile.close();
+
+        QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 240000));
+        QVERIFY2(m_page->successPanel(), "the run ended in the failure view");
+        QCOMPARE(m_page->selectVolumeObj().volRootDir, m_device);
+        QCOMPARE(m_page->selectVolumeObj().volumeName, QString(kLabel));
+        bool recorded = false;
+        for (const HistoryRows& rows : DoDataBase::returnDoDataBase()->getAllDataWithKey(DoDataBase::kWipeVolume))
+            for (const HistoryRow& row : rows)
+                recorded |= row.value("Items") == QString("Erase Free Space:%1").arg(kLabel) && row.value("Result") == "Erased";
+        QVERIFY(recorded);
+        QVERIFY(QFileInfo::exists(QString::fromStdString(otherMount) + "/other.txt"));
+        QVERIFY(!QFileInfo::exists(QString::fromStdString(otherMount) + "/.Velmora"));
+        QTest::mouseClick(m_page->successPanel()->okButton(), Qt::LeftButton);
+        serveEventsFor(600);
     }
 
     // "Erase Now" on the startup volume in whole-drive mode only shows its
