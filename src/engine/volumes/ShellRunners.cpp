@@ -37,7 +37,12 @@ bool writeAll(int fd, const QByteArray& bytes) {
 CommandResult runWithOutputFile(const CommandLine& command, const char* outputFileName) {
     CommandResult result;
     if (command.program.isEmpty()) return result;
-    result.outputPath = StandardPaths::tempDir() + "/" + outputFileName;
+    const QString folder = StandardPaths::tempDir();
+    if (folder.isEmpty()) {
+        result.failure = "no private temporary folder for the output of " + command.program;
+        return result;
+    }
+    result.outputPath = folder + "/" + outputFileName;
     const int fd = createOutputFile(QFile::encodeName(result.outputPath), &result.failure);
     if (fd < 0) return result;
 
