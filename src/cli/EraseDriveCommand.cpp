@@ -40,10 +40,6 @@ int runEraseDriveCommand(QStringList args) {
     printErr(QString("Reformatting %1 ...").arg(volume->volumePath));
     WholeDriveErase erase(&wipe);
     const WipeOutcome outcome = runWipeUntilEnd(wipe, "Erasing", [&erase] { erase.makeSureToWipeSelectVolume(); });
-    if (!outcome.ended) {
-        printErr("velmora-cli: " + outcome.text);
-        return 1;
-    }
     printOut(QString("%1  Erase Hard Drive:%2").arg(outcome.succeeded ? "Erased" : "Failed", volume->volumeName));
     if (!outcome.succeeded) printErr("velmora-cli: " + outcome.text);
     return outcome.succeeded ? 0 : 1;

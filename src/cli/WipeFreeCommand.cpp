@@ -34,7 +34,7 @@ WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, const QString& title, const std
         bar.update(qMax(percent, 2.0f), text);
     });
     QObject::connect(&wipe, &FreeSpaceWipe::eraserEnded, &loop, [&](bool succeeded, const QString& text, bool) {
-        outcome = {true, succeeded, text};
+        outcome = {succeeded, text};
         loop.quit();
     });
 

@@ -14,14 +14,13 @@ int runWipeFreeCommand(QStringList args);
 
 // How a wipe run ended.
 struct WipeOutcome {
-    bool ended = false;      // the end step ran (history written)
     bool succeeded = false;
-    QString text;            // end text, or why the run stopped without its end step
+    QString text;  // the end text
 };
 
-// Runs a wipe in an event loop with a progress bar until its end step, or until
-// the wipe stops without one; `start` begins the run. Ctrl-C cancels the run the
-// way the Cancel button does.
+// Runs a wipe in an event loop with a progress bar until its end step (every run
+// reaches it); `start` begins the run. Ctrl-C cancels the run the way the Cancel
+// button does.
 WipeOutcome runWipeUntilEnd(FreeSpaceWipe& wipe, const QString& title, const std::function<void()>& start);
 
 }  // namespace velmora::cli

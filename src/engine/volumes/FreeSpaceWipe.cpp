@@ -4,7 +4,6 @@
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
 #include "engine/platform/StandardPaths.h"
-#include "engine/volumes/DiskInfo.h"
 #include "engine/volumes/FillFileWriter.h"
 #include "engine/volumes/FillFolder.h"
 #include "engine/volumes/VolumeScanner.h"
@@ -267,14 +266,6 @@ void FreeSpaceWipe::endAppRemoveFolder() {
 }
 
 int FreeSpaceWipe::getEraserTimes() { return EraserLevel::clamped(); }
-
-quint64 FreeSpaceWipe::checkVolumeFreeSizeWithVolumeName(const QString& volumeName) const {
-    const QVariantMap info = getDisjInfo(volumeName.toUtf8().constData(), DiskInfoScreen::WipeDisk);
-    if (info.isEmpty() || !info.contains("VolumeName")) return 1;
-    const quint64 freeSpace = info.value("FreeSpace").toULongLong();
-    qInfo("-----------:%llu", freeSpace);
-    return freeSpace;
-}
 
 QString FreeSpaceWipe::fillFolderPath() const {
     const QString mountPoint = mountFolderOf(selectVolumeObj);

@@ -63,8 +63,6 @@ public:
     void endAppRemoveFolder();
     // The pass count: the stored erasure level, at least 1.
     static int getEraserTimes();
-    // "FreeSpace" of the volume of that name; 1 when the query gives nothing.
-    quint64 checkVolumeFreeSizeWithVolumeName(const QString& volumeName) const;
     // "<mount point>/.Velmora" (on the macOS layout, "/Volumes/..." lies under the
     // volumes root). Empty when the volume has no mount point.
     QString fillFolderPath() const;
