@@ -21,7 +21,7 @@ void progress(const std::string& line) {
 
 void run(const std::vector<std::string>& command, const std::string& failure) {
     const ProgramResult result = runProgram(command);
-    if (result.exitCode != 0) throw DiskUtilError(failure + ": " + result.output);
+    if (result.exitCode != 0) throw DiskUtilError(failure + ": " + result.reason());
 }
 
 // Creates a fresh file system on the volume and mounts it again, under the folder that

@@ -13,17 +13,8 @@ namespace velmora::diskutil {
 
 namespace {
 
-// "blkid -o export" puts a backslash before spaces, quotes and other shell characters.
-std::string unescape(const std::string& value) {
-    std::string text;
-    for (size_t i = 0; i < value.size(); ++i) {
-        if (value[i] == '\\' && i + 1 < value.size()) ++i;
-        text += value[i];
-    }
-    return text;
-}
-
-// udev writes bytes outside plain ASCII letters and digits in a label as "\xHH".
+// blkid and udev write the bytes of a label that are neither plain ASCII nor valid UTF-8,
+// a backslash included, as "\xHH".
 std::string decodeHexEscapes(const std::string& value) {
     std::string text;
     for (size_t i = 0; i < value.size(); ++i) {
@@ -38,23 +29,26 @@ std::string decodeHexEscapes(const std::string& value) {
     return text;
 }
 
+// One "KEY=value" property as blkid -o udev and udev's records write it.
+void readProperty(const std::string& property, FileSystemProbe& probe) {
+    const size_t equals = property.find('=');
+    if (equals == std::string::npos) return;
+    const std::string key = property.substr(0, equals);
+    const std::string value = property.substr(equals + 1);
+    if (key == "ID_FS_TYPE") probe.type = value;
+    else if (key == "ID_FS_VERSION") probe.version = value;
+    else if (key == "ID_FS_LABEL_ENC") probe.label = decodeHexEscapes(value);
+    else if (key == "ID_FS_UUID") probe.uuid = value;
+    else if (key == "ID_PART_TABLE_TYPE") probe.partitionTable = value;
+}
+
 }  // namespace
 
-FileSystemProbe parseBlkidExport(const std::string& output) {
+FileSystemProbe parseBlkidUdev(const std::string& output) {
     FileSystemProbe probe;
     std::istringstream lines(output);
     std::string line;
-    while (std::getline(lines, line)) {
-        const size_t equals = line.find('=');
-        if (equals == std::string::npos) continue;
-        const std::string key = line.substr(0, equals);
-        const std::string value = unescape(line.substr(equals + 1));
-        if (key == "TYPE") probe.type = value;
-        else if (key == "VERSION") probe.version = value;
-        else if (key == "LABEL") probe.label = value;
-        else if (key == "UUID") probe.uuid = value;
-        else if (key == "PTTYPE") probe.partitionTable = value;
-    }
+    while (std::getline(lines, line)) readProperty(line, probe);
     return probe;
 }
 
@@ -63,24 +57,17 @@ FileSystemProbe parseUdevProperties(const std::string& record) {
     std::istringstream lines(record);
     std::string line;
     while (std::getline(lines, line)) {
-        if (!line.starts_with("E:")) continue;
-        const size_t equals = line.find('=');
-        if (equals == std::string::npos) continue;
-        const std::string key = line.substr(2, equals - 2);
-        const std::string value = line.substr(equals + 1);
-        if (key == "ID_FS_TYPE") probe.type = value;
-        else if (key == "ID_FS_VERSION") probe.version = value;
-        else if (key == "ID_FS_LABEL_ENC") probe.label = decodeHexEscapes(value);
-        else if (key == "ID_FS_UUID") probe.uuid = value;
-        else if (key == "ID_PART_TABLE_TYPE") probe.partitionTable = value;
+        if (line.starts_with("E:")) readProperty(line.substr(2), probe);
     }
     return probe;
 }
 
 FileSystemProbe probeFileSystem(const std::string& node) {
     if (access(node.c_str(), R_OK) == 0) {
-        const ProgramResult result = runProgram({"blkid", "-p", "-o", "export", node});
-        return result.exitCode == 0 ? parseBlkidExport(result.output) : FileSystemProbe{};
+        // The udev format, not "export": that one writes other bytes of a label in a lossy
+        // ^X / M-X notation, so "Café" or a label with a newline would read back changed.
+        const ProgramResult result = runProgram({"blkid", "-p", "-o", "udev", "--", node});
+        return result.exitCode == 0 ? parseBlkidUdev(result.output) : FileSystemProbe{};
     }
     // Without read access: udev's record of the device, which udev renews on every
     // change of the device. Never blkid's cache: it keeps what the last root query saw,

@@ -13,11 +13,13 @@ struct FileSystemProbe {
     std::string partitionTable;  // "gpt" or "dos" on a partitioned disk
 };
 
-// The fields of "blkid -o export" output (KEY=value lines, values backslash-escaped).
-FileSystemProbe parseBlkidExport(const std::string& output);
+// The fields of "blkid -o udev" output: ID_FS_TYPE=, ID_FS_LABEL_ENC= (the label with every
+// byte that is neither plain nor part of valid UTF-8 written as \xHH, so it reads back
+// exactly), ID_FS_UUID=, ...
+FileSystemProbe parseBlkidUdev(const std::string& output);
 
-// The fields of a udev database record (/run/udev/data/bMAJOR:MINOR): "E:ID_FS_TYPE=",
-// "E:ID_FS_LABEL_ENC=" (with \xHH escapes), "E:ID_FS_UUID=", ...
+// The fields of a udev database record (/run/udev/data/bMAJOR:MINOR): the same properties,
+// each on an "E:" line.
 FileSystemProbe parseUdevProperties(const std::string& record);
 
 // Probes the device itself (blkid -p, no cache: right after mkfs or a relabel, and

@@ -43,7 +43,7 @@ void mountWithFuse(const std::string& node, const FileSystemFormat& format, cons
     if (format.ownerByMountOption && owner.uid != 0) options += "," + ownerOptions(owner);
     const ProgramResult result = runProgram({format.fuseProgram, "-o", options, node, folder});
     if (result.exitCode != 0 || !isMountPoint(folder, readMountTable())) {
-        throw DiskUtilError("Could not mount " + node + " on " + folder + ": " + result.output);
+        throw DiskUtilError("Could not mount " + node + " on " + folder + ": " + result.reason());
     }
 }
 

@@ -67,10 +67,15 @@ std::string findProgram(const std::string& name) {
 
 ProgramResult runProgram(const std::vector<std::string>& args) {
     const std::string path = args.empty() ? std::string() : findProgram(args[0]);
-    if (path.empty()) return {127, (args.empty() ? std::string("(none)") : args[0]) + ": not found"};
+    if (path.empty()) return {127, {}, (args.empty() ? std::string("(none)") : args[0]) + ": not found"};
 
     const int outputFd = memfd_create("velmora-diskutil-output", MFD_CLOEXEC);
-    if (outputFd < 0) return {127, "cannot create an output buffer"};
+    const int errorFd = memfd_create("velmora-diskutil-errors", MFD_CLOEXEC);
+    if (outputFd < 0 || errorFd < 0) {
+        if (outputFd >= 0) close(outputFd);
+        if (errorFd >= 0) close(errorFd);
+        return {127, {}, "cannot create an output buffer"};
+    }
 
     std::vector<char*> argv;
     for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
@@ -80,14 +85,15 @@ ProgramResult runProgram(const std::vector<std::string>& args) {
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, outputFd, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, outputFd, STDERR_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, errorFd, STDERR_FILENO);
     pid_t pid = 0;
     std::vector<char*> environment = childEnvironment();
     const int spawnError = posix_spawn(&pid, path.c_str(), &actions, nullptr, argv.data(), environment.data());
     posix_spawn_file_actions_destroy(&actions);
     if (spawnError != 0) {
         close(outputFd);
-        return {127, args[0] + ": cannot be started"};
+        close(errorFd);
+        return {127, {}, args[0] + ": cannot be started"};
     }
 
     int status = 0;
@@ -96,7 +102,9 @@ ProgramResult runProgram(const std::vector<std::string>& args) {
     ProgramResult result;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     result.output = readAll(outputFd);
+    result.errors = readAll(errorFd);
     close(outputFd);
+    close(errorFd);
     return result;
 }
 

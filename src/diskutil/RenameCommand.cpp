@@ -35,7 +35,7 @@ void renameCommand(const std::vector<std::string>& args) {
     const ProgramResult result = runProgram({format.labelProgram, volume.device.node, label});
     if (result.exitCode != 0) {
         if (wasMounted) mountAgain(plan, volume.device, format, plan.oldName);
-        throw DiskUtilError("Could not rename " + volume.device.node + ": " + result.output);
+        throw DiskUtilError("Could not rename " + volume.device.node + ": " + result.reason());
     }
     if (wasMounted) mountAgain(plan, volume.device, format, label);
     std::cout << "Volume on " << volume.device.kernelName << " renamed to " << label << std::endl;

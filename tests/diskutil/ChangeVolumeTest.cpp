@@ -150,6 +150,27 @@ INSTANTIATE_TEST_SUITE_P(
                     EraseCase{"exfat", "ext4", "Fresh Start", "Fresh Start", "ext4"}),
     [](const auto& info) { return std::string(info.param.expectedType); });
 
+// An exFAT boot sector ends in the 0x55AA of a DOS partition table, so blkid also reports
+// PTTYPE=dos for it; it is still one volume, never refused as a partitioned disk.
+TEST(DiskUtilErase, ExFatIsAVolumeThoughBlkidAlsoSeesADosPartitionTable) {
+    LoopVolume volume;
+    const std::string label = uniqueLabel("XD");
+    std::string mountPoint;
+    if (std::string why = volume.formatAndMount("exfat", label, mountPoint); !why.empty()) GTEST_SKIP() << why;
+    ASSERT_EQ(blkidValue(volume.node(), "PTTYPE"), "dos");
+
+    const Dictionary before(runDiskUtil({"info", "-plist", volume.node()}).out);
+    EXPECT_EQ(before.string("Content"), "exfat");
+    EXPECT_EQ(before.string("FilesystemName"), "ExFAT");
+    EXPECT_EQ(before.string("VolumeName"), label);
+
+    const CommandResult result = runDiskUtil({"eraseVolume", "ExFAT", "AGAIN", volume.node()});
+    ASSERT_EQ(result.exitCode, 0) << result.out << result.err;
+    EXPECT_EQ(blkidValue(volume.node(), "TYPE"), "exfat");
+    EXPECT_EQ(mountPointsOf(volume.node()), std::vector<std::string>{volume.folder() + "/AGAIN"});
+    EXPECT_EQ(Dictionary(runDiskUtil({"info", "-plist", volume.node()}).out).string("VolumeName"), "AGAIN");
+}
+
 TEST(DiskUtilErase, TheUserWhoOwnedTheVolumeOwnsItAfterAReformat) {
     LoopVolume volume;
     const std::string label = uniqueLabel("OW");

@@ -109,6 +109,63 @@ INSTANTIATE_TEST_SUITE_P(FileSystems, MountedVolumeInfo,
                                          FileSystemCase{"ext4", "ext4", "ext4"}),
                          [](const auto& info) { return std::string(info.param.mkfsType); });
 
+struct LabelCase {
+    const char* mkfsType;
+    const char* label;
+    const char* name;  // for the test's name
+};
+
+void PrintTo(const LabelCase& value, std::ostream* out) {
+    *out << value.mkfsType << " " << value.name;
+}
+
+// Labels are the volume owner's bytes: accents, quotes, shell characters, blanks, a line
+// break and a backslash that looks like an escape are reported exactly, also after a
+// reformat, which writes the label it read back onto the fresh file system.
+class ExactLabel : public testing::TestWithParam<LabelCase> {};
+
+TEST_P(ExactLabel, InfoListAndReformatKeepTheLabelByteForByte) {
+    LoopVolume volume;
+    if (!volume.setupProblem().empty()) GTEST_SKIP() << volume.setupProblem();
+    const std::string label = GetParam().label;
+    if (std::string why = volume.format(GetParam().mkfsType, label); !why.empty()) GTEST_SKIP() << why;
+    // Mounted under a folder of another name, so the name can only come from the label.
+    const std::string mountPoint = volume.mount(GetParam().mkfsType, "volume");
+    if (mountPoint.empty()) GTEST_SKIP() << "no kernel or FUSE driver mounts " << GetParam().mkfsType << " here";
+    ASSERT_EQ(blkidValue(volume.node(), "LABEL"), label);
+
+    const CommandResult info = runDiskUtil({"info", "-plist", volume.node()});
+    ASSERT_EQ(info.exitCode, 0) << info.err;
+    EXPECT_EQ(Dictionary(info.out).string("VolumeName"), label);
+
+    const CommandResult listed = runDiskUtil({"list", "-plist"});
+    ASSERT_EQ(listed.exitCode, 0) << listed.err;
+    const Dictionary list(listed.out);
+    EXPECT_TRUE(contains(stringsOf(list.node("VolumesFromDisks")), label));
+
+    const CommandResult reformat = runDiskUtil({"reformat", volume.node()});
+    ASSERT_EQ(reformat.exitCode, 0) << reformat.out << reformat.err;
+    EXPECT_EQ(blkidValue(volume.node(), "LABEL"), label);
+    EXPECT_EQ(Dictionary(runDiskUtil({"info", "-plist", volume.node()}).out).string("VolumeName"), label);
+    // Mounted again beside the old folder, under the volume's name.
+    EXPECT_EQ(mountPointsOf(volume.node()), std::vector<std::string>{volume.folder() + "/" + label});
+}
+
+// mkfs.vfat takes only the blank of these (its labels are upper-case OEM characters).
+INSTANTIATE_TEST_SUITE_P(Labels, ExactLabel,
+                         testing::Values(LabelCase{"ext4", "Caf\xc3\xa9", "accent"},
+                                         LabelCase{"ext4", "x\"y", "quote"},
+                                         LabelCase{"ext4", "a;b", "semicolon"},
+                                         LabelCase{"ext4", "MY DISK", "blank"},
+                                         LabelCase{"ext4", "two\nlines", "newline"},
+                                         LabelCase{"ext4", "a\\x41", "backslash"},
+                                         LabelCase{"exfat", "Caf\xc3\xa9", "accent"},
+                                         LabelCase{"exfat", "x\"y", "quote"},
+                                         LabelCase{"exfat", "a;b", "semicolon"},
+                                         LabelCase{"exfat", "MY DISK", "blank"},
+                                         LabelCase{"vfat", "MY DISK", "blank"}),
+                         [](const auto& info) { return std::string(info.param.mkfsType) + "_" + info.param.name; });
+
 TEST(DiskUtilList, ShowsMountedFat32AndExt4Volumes) {
     LoopVolume fat;
     LoopVolume ext;
