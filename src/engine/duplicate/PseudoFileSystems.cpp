@@ -1,7 +1,8 @@
 #include "engine/duplicate/PseudoFileSystems.h"
 
+#include "engine/volumes/MountInfo.h"
+
 #include <QFile>
-#include <QList>
 #if defined(__linux__)
 #include <sys/sysmacros.h>
 #endif
@@ -17,13 +18,13 @@ const char* const kPseudoTypes[] = {"proc",      "sysfs",      "devtmpfs",   "de
 
 const char* const kRootFoldersSkipped[] = {"/proc", "/sys", "/dev", "/run"};
 
-}  // namespace
-
-bool PseudoFileSystems::isPseudoType(const QByteArray& fileSystemType) {
+bool isPseudoType(const QString& fileSystemType) {
     for (const char* type : kPseudoTypes)
-        if (fileSystemType == type) return true;
+        if (fileSystemType == QLatin1String(type)) return true;
     return false;
 }
+
+}  // namespace
 
 bool PseudoFileSystems::isSkippedBelowRoot(const QString& path) {
     for (const char* folder : kRootFoldersSkipped)
@@ -31,15 +32,11 @@ bool PseudoFileSystems::isSkippedBelowRoot(const QString& path) {
     return false;
 }
 
-// A mountinfo line: "ID PARENT MAJOR:MINOR ROOT MOUNTPOINT OPTIONS [TAGS...] - TYPE SOURCE SUPER".
 PseudoFileSystems PseudoFileSystems::fromMountInfo(const QByteArray& mountInfo) {
     PseudoFileSystems result;
-    for (const QByteArray& line : mountInfo.split('\n')) {
-        const QList<QByteArray> fields = line.split(' ');
-        const qsizetype separator = fields.indexOf("-");
-        if (fields.size() < 5 || separator < 0 || separator + 1 >= fields.size()) continue;
-        if (!isPseudoType(fields[separator + 1])) continue;
-        const QList<QByteArray> numbers = fields[2].split(':');
+    for (const MountInfoEntry& entry : parseMountInfo(mountInfo)) {
+        if (!isPseudoType(entry.fileSystemType)) continue;
+        const QList<QByteArray> numbers = entry.deviceNumber.split(':');
         bool majorOk = false, minorOk = false;
         const uint major = numbers.value(0).toUInt(&majorOk), minor = numbers.value(1).toUInt(&minorOk);
         if (numbers.size() == 2 && majorOk && minorOk) result.m_devices.insert(quint64(makedev(major, minor)));

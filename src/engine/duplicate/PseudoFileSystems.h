@@ -18,7 +18,6 @@ public:
     static PseudoFileSystems mountedNow();
     static PseudoFileSystems fromMountInfo(const QByteArray& mountInfo);
 
-    static bool isPseudoType(const QByteArray& fileSystemType);
     // Below "/", the kernel's and the runtime's folders are skipped by name
     // as well: /proc, /sys, /dev and /run.
     static bool isSkippedBelowRoot(const QString& path);
