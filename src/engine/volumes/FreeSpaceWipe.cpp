@@ -4,6 +4,7 @@
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
 #include "engine/platform/StandardPaths.h"
+#include "engine/volumes/Ext4Fill.h"
 #include "engine/volumes/FillFileWriter.h"
 #include "engine/volumes/FillFolder.h"
 #include "engine/volumes/VolumeScanner.h"
@@ -217,10 +218,14 @@ bool FreeSpaceWipe::fillUntilFull(const FillFolder& folder, qint64 index) {
         return isVolumeFull(created, folderFd) || failWrite(name, created);
     FillFileWriter handle(folderFd, name);
     if (!handle.isOpen()) return failWrite(name, handle.error());
+    // Until the file is flushed, ext4 (as root) lets it take the clusters it keeps in reserve.
+    const Ext4ReserveRelease reserveReleased(folderFd);
     const bool full = handle.writeZerosUntilFull(m_isCancelEraser);
     // A driver that caches writes may report the full volume only when flushing.
     const bool flushed = handle.close() || isVolumeFull(handle.error(), folderFd);
     if (m_isCancelEraser) return false;
+    if (!checkpointExt4Journal(folderFd))
+        qWarning("the journal could not be written out; blocks it held may keep old data: %s", std::strerror(errno));
     return (full && flushed) || failWrite(name, handle.error());
 }
 
