@@ -157,40 +157,60 @@ TEST_F(VolumeIdentityLoopTest, FailingReformatFailsTheJobAndTouchesNoFile) {
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:" + label + "|Failed"});
 }
 
-// A FAT32 reformat (mkfs.vfat) writes new tables and keeps the old data blocks,
-// which is shown first: the marker survives stage 1 alone. After the whole erase
-// it is gone from the raw image, so stage 2 (leftovers and fill) erased it.
-TEST_F(VolumeIdentityLoopTest, StageTwoErasesWhatTheReformatLeaves) {
+// A reformat that writes new tables and keeps the old data blocks: mkfs.vfat as the
+// disk utility runs it, and mkfs.ext4 on a device that cannot discard (a stand-in
+// disk utility runs it with "-E nodiscard"). That the marker survives stage 1 alone
+// is shown first; after the whole erase it is gone from the raw image, so stage 2
+// (leftovers and fill) erased it. On ext4 this needs the fill to reach the clusters
+// ext4 keeps in reserve and the blocks that pass through its journal.
+class StageTwoTest : public VolumeIdentityLoopTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(StageTwoTest, ErasesWhatTheReformatLeaves) {
+    const std::string type = GetParam();
     const QString label = QString::fromStdString(uniqueLabel("KEEP")).left(11).toUpper();
     auto volume = std::make_unique<LoopVolume>(48);
     ASSERT_EQ(volume->setupProblem(), "");
     std::string point;
-    if (const std::string why = volume->formatAndMount("vfat", label.toStdString(), point); !why.empty())
-        GTEST_SKIP() << "SKIPPED: FAT32 cannot be mounted here: " << why;
+    if (const std::string why = volume->formatAndMount(type, label.toStdString(), point); !why.empty()) {
+        ASSERT_NE(type, "ext4") << why;
+        GTEST_SKIP() << "SKIPPED: " << type << " cannot be mounted here: " << why;
+    }
     const QString mountPoint = QString::fromStdString(point);
     const QString node = QString::fromStdString(volume->node());
+    QString diskUtil = binDir() + "/velmora-diskutil";
+    if (type == "ext4") {
+        const QByteArray mkfs = QByteArray::fromStdString(programPath("mkfs.ext4"));
+        diskUtil = standInDiskUtil("umount -- \"$2\" || exit 1\n'" + mkfs + "' -F -q -E nodiscard -L '" + label.toUtf8() +
+                                   "' \"$2\" || exit 1\nmount -t ext4 -- \"$2\" '" + QFile::encodeName(mountPoint) +
+                                   "' || exit 1\nexit 0");
+    }
     const QByteArray marker = uniqueMarker();
     QByteArray contents;
     for (int i = 0; i < 4000; ++i) contents += marker + " " + QByteArray::number(i) + "\n";
     writeFile(mountPoint + "/secret.txt", contents);
     ASSERT_TRUE(volume->unmountAll());
     ASSERT_GT(volume->countInImage(marker.toStdString()), 0) << "the marker never reached the image";
-    ASSERT_FALSE(volume->mount("vfat", label.toStdString()).empty());
+    ASSERT_FALSE(volume->mount(type, label.toStdString()).empty());
 
-    // Stage 1 alone, by the disk utility itself, keeps the marker.
+    // Stage 1 alone keeps the marker.
     QByteArray output;
-    ASSERT_EQ(run(binDir() + "/velmora-diskutil", {"reformat", node}, &output), 0) << output.toStdString();
+    ASSERT_EQ(run(diskUtil, {"reformat", node}, &output), 0) << output.toStdString();
     ASSERT_TRUE(volume->unmountAll());
     ASSERT_GT(volume->countInImage(marker.toStdString()), 0) << "the reformat cleared the old blocks";
-    ASSERT_FALSE(volume->mount("vfat", label.toStdString()).empty());
+    ASSERT_FALSE(volume->mount(type, label.toStdString()).empty());
 
-    ASSERT_EQ(cli({"erase-drive", "--yes", mountPoint}, &output, m_folder.path()), 0) << output.toStdString();
+    QProcessEnvironment environment;
+    environment.insert("VELMORA_DISKUTIL", diskUtil);
+    ASSERT_EQ(cli({"erase-drive", "--yes", mountPoint}, &output, m_folder.path(), environment), 0) << output.toStdString();
+    EXPECT_FALSE(output.contains("could not be overwritten")) << output.toStdString();
     const std::vector<std::string> mounts = volume->mountPoints();
     ASSERT_EQ(mounts.size(), 1u);
     EXPECT_EQ(entries(QString::fromStdString(mounts.front())), QStringList());
     ASSERT_TRUE(volume->unmountAll());
     EXPECT_EQ(volume->countInImage(marker.toStdString()), 0);
 }
+
+INSTANTIATE_TEST_SUITE_P(LoopVolumes, StageTwoTest, ::testing::Values("vfat", "ext4"));
 
 }  // namespace
 }  // namespace velmora::test
