@@ -45,7 +45,7 @@ SearchResult search(const QString& folder, bool hidden, bool system) {
 // What could not be read may have copies the search could not see.
 void reportUnreadable(const QStringList& unreadable) {
     if (unreadable.isEmpty()) return;
-    for (const QString& path : unreadable) printErr(QString("velmora-cli: could not read \"%1\"").arg(path));
+    for (const QString& path : unreadable) printErr(QString("velmora-cli: could not read \"%1\"").arg(printable(path)));
     printErr(QString("%1 %2 could not be read and %3 not compared")
                  .arg(unreadable.size())
                  .arg(unreadable.size() == 1 ? "item" : "items", unreadable.size() == 1 ? "was" : "were"));
@@ -57,10 +57,13 @@ void printGroups(const SimpleTreeNode& tree) {
     for (const SimpleTreeNode::Pointer& group : groups) {
         const SimpleNodeData& data = group->data();
         const QString kind = data.extendName == "APP" ? " (application)" : "";
-        printOut(QString("\n%1%2: %3 copies, %4 bytes").arg(data.name, kind).arg(group->children().size()).arg(data.fileSize));
+        // One pass of arg(): a name holding "%1" is not taken for a place of the next value.
+        printOut(QString("\n%1%2: %3 copies, %4 bytes")
+                     .arg(printable(data.name), kind, QString::number(group->children().size()),
+                          QString::number(data.fileSize)));
         const QList<SimpleTreeNode::Pointer>& leaves = group->children();
         for (qsizetype i = 0; i < leaves.size(); ++i)
-            printOut(QString("  %1%2").arg(leaves[i]->data().name, i + 1 == leaves.size() ? "  (kept)" : ""));
+            printOut(QString("  %1%2").arg(printable(leaves[i]->data().name), i + 1 == leaves.size() ? "  (kept)" : ""));
     }
 }
 
@@ -95,7 +98,7 @@ int removeCopies(const SimpleTreeNode::Pointer& tree, bool json) {
             const DuplicateRemover::Verdict verdict = remover.remove(removals[i]);
             bar.update(double(i + 1) * 100 / selected.size(), leaf->data().name);
             if (!verdict.removed()) {
-                leftReasons.append(QString("velmora-cli: left \"%1\": %2").arg(leaf->data().name, verdict.reason));
+                leftReasons.append(QString("velmora-cli: left \"%1\": %2").arg(printable(leaf->data().name), printable(verdict.reason)));
                 refusedByTheSystem = refusedByTheSystem || verdict.outcome == DuplicateRemover::Outcome::Failed;
                 continue;
             }
@@ -127,11 +130,11 @@ int runDupesCommand(QStringList args) {
     }
     const QString folder = QDir::cleanPath(QFileInfo(args.first()).absoluteFilePath());
     if (!QFileInfo(folder).isDir()) {
-        printErr(QString("velmora-cli: \"%1\" is not a folder").arg(args.first()));
+        printErr(QString("velmora-cli: \"%1\" is not a folder").arg(printable(args.first())));
         return 2;
     }
     if (!QFileInfo(folder).isReadable()) {
-        printErr(QString("velmora-cli: cannot read \"%1\"").arg(folder));
+        printErr(QString("velmora-cli: cannot read \"%1\"").arg(printable(folder)));
         return 1;
     }
 

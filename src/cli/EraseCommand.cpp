@@ -70,11 +70,11 @@ int runEraseCommand(QStringList args) {
     for (const QString& argument : args) {
         const QString path = QDir::cleanPath(QFileInfo(argument).absoluteFilePath());
         if (path == "/") {
-            printErr(QString("velmora-cli: refusing to erase \"%1\": it is the root folder").arg(argument));
+            printErr(QString("velmora-cli: refusing to erase \"%1\": it is the root folder").arg(printable(argument)));
             return 2;
         }
         if (!existsOnDisk(QFileInfo(path))) {
-            printErr(QString("velmora-cli: cannot erase \"%1\": no such file or folder").arg(argument));
+            printErr(QString("velmora-cli: cannot erase \"%1\": no such file or folder").arg(printable(argument)));
             return 2;
         }
         const bool listed = std::any_of(records.cbegin(), records.cend(), [&path](const FileObj& record) { return record.url == path; });
@@ -82,7 +82,7 @@ int runEraseCommand(QStringList args) {
     }
 
     const QString levelName = EraserLevel::displayName(EraserLevel::clamped());
-    const QString items = records.size() == 1 ? QString("\"%1\"").arg(records.first().url) : QString("%1 items").arg(records.size());
+    const QString items = records.size() == 1 ? QString("\"%1\"").arg(printable(records.first().url)) : QString("%1 items").arg(records.size());
     if (!yes && !confirm(QString("Erase %1 beyond recovery (%2)?").arg(items, levelName))) {
         printErr("velmora-cli: nothing erased");
         return 1;
@@ -104,10 +104,10 @@ int runEraseCommand(QStringList args) {
         if (!erased) {
             const QString reason = outcome && !outcome->failReason.isEmpty() ? outcome->failReason
                                    : outcome ? QString("it is still there") : QString("the erase did not reach it");
-            printErr(QString("velmora-cli: %1: %2").arg(record.url, reason));
+            printErr(QString("velmora-cli: %1: %2").arg(printable(record.url), printable(reason)));
         }
         allErased = allErased && erased;
-        printOut(QString("%1  %2").arg(record.failStr, record.url));
+        printOut(QString("%1  %2").arg(record.failStr, printable(record.url)));
     }
     DoDataBase::returnDoDataBase()->writePlistForHistoryWithArr(records);
     PublicUtilities::writeUpDataHistoryStr(DoDataBase::kWipeFileHistory, "1");

@@ -25,23 +25,24 @@ int runEraseDriveCommand(QStringList args) {
     if (wipe.wipeButtonAction() == FreeSpaceWipe::WipeStart::ShowSystemEraser) {
         printErr(QString("velmora-cli: \"%1\" is the startup volume and cannot be erased while the system runs from it; "
                          "use \"Erase Files\" and \"Erase Free Space\" (velmora-cli erase, wipe-free) on it instead")
-                     .arg(volume->volumeName));
+                     .arg(printable(volume->volumeName)));
         return 1;
     }
     const int passes = FreeSpaceWipe::getEraserTimes();
     const QString question = QString("Erase ALL data on \"%1\" (%2, %3, mounted at %4) beyond recovery with %5?")
-                                 .arg(volume->volumeName, volume->volumePath, volume->volumeType, volume->volumeMountPoint,
+                                 .arg(printable(volume->volumeName), printable(volume->volumePath), printable(volume->volumeType),
+                                      printable(volume->volumeMountPoint),
                                       EraserLevel::displayName(passes));
     if (!yes && !confirm(question)) {
         printErr("velmora-cli: nothing erased");
         return 1;
     }
 
-    printErr(QString("Reformatting %1 ...").arg(volume->volumePath));
+    printErr(QString("Reformatting %1 ...").arg(printable(volume->volumePath)));
     WholeDriveErase erase(&wipe);
     const WipeOutcome outcome = runWipeUntilEnd(wipe, "Erasing", [&erase] { erase.makeSureToWipeSelectVolume(); });
-    printOut(QString("%1  Erase Hard Drive:%2").arg(outcome.succeeded ? "Erased" : "Failed", volume->volumeName));
-    if (!outcome.succeeded) printErr("velmora-cli: " + outcome.text);
+    printOut(QString("%1  Erase Hard Drive:%2").arg(outcome.succeeded ? "Erased" : "Failed", printable(volume->volumeName)));
+    if (!outcome.succeeded) printErr("velmora-cli: " + printable(outcome.text));
     return outcome.succeeded ? 0 : 1;
 }
 

@@ -56,7 +56,7 @@ int listEntries(QStringList args) {
     const QString type = takeOption(args, "--type");
     if (!args.isEmpty()) return usageError();
     if (!type.isEmpty() && type != DoDataBase::kWipeFile && type != DoDataBase::kWipeVolume) {
-        printErr(QString("velmora-cli: unknown history type \"%1\" (choose WipeFile or WipeVolume)").arg(type));
+        printErr(QString("velmora-cli: unknown history type \"%1\" (choose WipeFile or WipeVolume)").arg(printable(type)));
         return 2;
     }
     const QList<Entry> entries = loadEntries(type);
@@ -68,9 +68,10 @@ int listEntries(QStringList args) {
     }
     if (entries.isEmpty()) printOut("No erasure history.");
     for (const Entry& entry : entries) {
-        printOut(entry.key + "  " + entry.type);
+        printOut(printable(entry.key) + "  " + printable(entry.type));
         for (const HistoryRow& row : entry.rows)
-            printOut(QString("  %1 | %2 | %3").arg(row.value("Items"), row.value("Erasure Standard"), row.value("Result")));
+            printOut(QString("  %1 | %2 | %3").arg(printable(row.value("Items")), printable(row.value("Erasure Standard")),
+                                      printable(row.value("Result"))));
     }
     return 0;
 }
@@ -80,11 +81,11 @@ int deleteEntry(const QStringList& args) {
     const QString& key = args.first();
     DoDataBase* history = DoDataBase::returnDoDataBase();
     if (history->getTypeWithKey(key).isEmpty()) {
-        printErr(QString("velmora-cli: no history entry \"%1\"").arg(key));
+        printErr(QString("velmora-cli: no history entry \"%1\"").arg(printable(key)));
         return 1;
     }
     history->deleteDataWithKey(key);
-    printOut(QString("Deleted %1").arg(key));
+    printOut(QString("Deleted %1").arg(printable(key)));
     return 0;
 }
 
@@ -106,14 +107,14 @@ int exportEntry(const QStringList& args) {
     const QString& file = args.at(1);
     const HistoryDic dictionary = DoDataBase::returnDoDataBase()->getAllData();
     if (!dictionary.contains(key)) {
-        printErr(QString("velmora-cli: no history entry \"%1\"").arg(key));
+        printErr(QString("velmora-cli: no history entry \"%1\"").arg(printable(key)));
         return 1;
     }
     if (!HistoryReport::writeHTML(file, key, dictionary.value(key))) {
-        printErr(QString("velmora-cli: cannot write \"%1\"").arg(file));
+        printErr(QString("velmora-cli: cannot write \"%1\"").arg(printable(file)));
         return 1;
     }
-    printOut(QString("Exported %1 to %2").arg(key, file));
+    printOut(QString("Exported %1 to %2").arg(printable(key), printable(file)));
     return 0;
 }
 

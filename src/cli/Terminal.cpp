@@ -10,6 +10,21 @@ namespace velmora::cli {
 
 bool isTerminal(int fd) { return isatty(fd) == 1; }
 
+QString printable(const QString& text) {
+    QString line;
+    line.reserve(text.size());
+    for (const QChar c : text) {
+        const char16_t code = c.unicode();
+        if (code == '\\') line += QLatin1String("\\\\");
+        else if (code == '\n') line += QLatin1String("\\n");
+        else if (code == '\t') line += QLatin1String("\\t");
+        else if (code == '\r') line += QLatin1String("\\r");
+        else if (code < 0x20 || (code >= 0x7f && code <= 0x9f)) line += QString("\\x%1").arg(int(code), 2, 16, QChar('0'));
+        else line += c;
+    }
+    return line;
+}
+
 ProgressBar::ProgressBar(QString title) : m_title(std::move(title)), m_enabled(isTerminal(STDERR_FILENO)) {}
 
 ProgressBar::~ProgressBar() { finish(); }
@@ -20,7 +35,7 @@ void ProgressBar::update(double percent, const QString& detail) {
     const double clampedPercent = qBound(0.0, percent, 100.0);
     const int filled = int(clampedPercent * kWidth / 100.0);
     QString bar = QString(filled, '#') + QString(kWidth - filled, '-');
-    QString line = QString("\r%1 [%2] %3% %4").arg(m_title, bar).arg(clampedPercent, 5, 'f', 1).arg(detail);
+    QString line = QString("\r%1 [%2] %3% %4").arg(m_title, bar).arg(clampedPercent, 5, 'f', 1).arg(printable(detail));
     // Keep the line within a normal terminal width and clear what the last one left.
     line = line.left(110).leftJustified(110);
     std::fputs(line.toLocal8Bit().constData(), stderr);

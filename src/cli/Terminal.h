@@ -25,6 +25,13 @@ private:
 bool confirm(const QString& question);
 
 bool isTerminal(int fd);
+
+// Text from outside (a file or volume name, a message that carries one) made safe for a
+// line of output: control characters are written as \n, \t, \r or \xNN (C0, DEL and the
+// C1 range that terminals take as commands) and a backslash as \\, so no name can break
+// the one-line-per-item output, forge a line of its own or drive the terminal.
+QString printable(const QString& text);
+
 void printOut(const QString& text);   // a line on standard output
 void printErr(const QString& text);   // a line on standard error
 void printJson(const QJsonDocument& document);

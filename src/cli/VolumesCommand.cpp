@@ -47,9 +47,13 @@ int runVolumesCommand(QStringList args) {
                  .arg("NAME", -16).arg("DEVICE", -16).arg("FILE SYSTEM", -14)
                  .arg("TOTAL BYTES", 16).arg("FREE BYTES", 16).arg("MOUNT POINT"));
     for (const VolumeObj& volume : volumes) {
+        // One pass of arg(): a name holding "%2" is not taken for a place of the next value.
         printOut(QString("%1 %2 %3 %4 %5 %6")
-                     .arg(volume.volumeName, -16).arg(volume.volumePath, -16).arg(volume.volumeType, -14)
-                     .arg(volume.volumeTotalSizeNum, 16).arg(volume.volumeFreeSizeNum, 16).arg(volume.volumeMountPoint));
+                     .arg(printable(volume.volumeName).leftJustified(16), printable(volume.volumePath).leftJustified(16),
+                          printable(volume.volumeType).leftJustified(14),
+                          QString::number(volume.volumeTotalSizeNum).rightJustified(16),
+                          QString::number(volume.volumeFreeSizeNum).rightJustified(16),
+                          printable(volume.volumeMountPoint)));
     }
     return 0;
 }
@@ -82,7 +86,7 @@ std::optional<VolumeObj> volumeOperand(const QStringList& args, const char* usag
     }
     QString error;
     std::optional<VolumeObj> volume = volumeForArgument(args.first(), &error);
-    if (!volume) printErr("velmora-cli: " + error);
+    if (!volume) printErr("velmora-cli: " + printable(error));
     return volume;
 }
 

@@ -71,15 +71,14 @@ int runWipeFreeCommand(QStringList args) {
     wipe.selectVolumeObj = *volume;
     if (wipe.wipeButtonAction() == FreeSpaceWipe::WipeStart::ShowNTFSWindow) {
         printErr(QString("velmora-cli: \"%1\" is an NTFS volume, which this system cannot write: its free space "
-                         "cannot be wiped (erase-drive erases it as FAT32 instead)").arg(volume->volumeName));
+                         "cannot be wiped (erase-drive erases it as FAT32 instead)").arg(printable(volume->volumeName)));
         return 1;
     }
     const int passes = FreeSpaceWipe::getEraserTimes();
     const QString question = QString("Overwrite the free space of \"%1\" (%2 free, mounted at %3) with %4, %5 %6?")
-                                 .arg(volume->volumeName, volume->volumeFreeSize, volume->volumeMountPoint,
-                                      EraserLevel::displayName(passes))
-                                 .arg(passes)
-                                 .arg(passes > 1 ? "passes" : "pass");
+                                 .arg(printable(volume->volumeName), volume->volumeFreeSize, printable(volume->volumeMountPoint),
+                                      EraserLevel::displayName(passes), QString::number(passes),
+                                      QString(passes > 1 ? "passes" : "pass"));
     if (!yes && !confirm(question)) {
         printErr("velmora-cli: nothing wiped");
         return 1;
@@ -90,16 +89,16 @@ int runWipeFreeCommand(QStringList args) {
     QString identityError;
     if (!pinVolume(wipe.selectVolumeObj, &identityError)) {
         wipe.failRun(QString("Nothing was wiped: %1.").arg(identityError));
-        printOut("Failed  Erase Free Space:" + volume->volumeName);
-        printErr("velmora-cli: " + wipe.errorString());
+        printOut("Failed  Erase Free Space:" + printable(volume->volumeName));
+        printErr("velmora-cli: " + printable(wipe.errorString()));
         return 1;
     }
     const WipeOutcome outcome = runWipeUntilEnd(wipe, "Wiping", [&wipe] {
         wipe.setEraserTime();
         wipe.doFreeSpaceAction();
     });
-    printOut(QString("%1  Erase Free Space:%2").arg(outcome.succeeded ? "Erased" : "Failed", volume->volumeName));
-    if (!outcome.succeeded) printErr("velmora-cli: " + outcome.text);
+    printOut(QString("%1  Erase Free Space:%2").arg(outcome.succeeded ? "Erased" : "Failed", printable(volume->volumeName)));
+    if (!outcome.succeeded) printErr("velmora-cli: " + printable(outcome.text));
     return outcome.succeeded ? 0 : 1;
 }
 

@@ -95,6 +95,25 @@ TEST(DupesCommand, DescriptorLimitOf64DropsNothing) {
     EXPECT_EQ(foundPairs, expectedPairs);
 }
 
+// Every copy is one line of the listing whatever its name holds: a line break, tab or
+// terminal escape is written as \n, \t, \x1b, and a "%1" stays as it is.
+TEST(DupesCommand, NamesWithLineBreaksStayOnTheirLine) {
+    test::TestTree tree;
+    const QByteArray content = test::randomBytes(5000, 31);
+    tree.write("two\nlines\t%1\x1b[2J.dat", content);
+    tree.write("plain.dat", content);
+
+    const test::CliRun run = runCli({"dupes", tree.path()});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    QStringList copies;
+    for (const QString& line : QString::fromUtf8(run.out).split('\n'))
+        if (line.startsWith("  ")) copies.append(line.mid(2).remove("  (kept)"));
+    copies.sort();
+    EXPECT_EQ(copies, QStringList({tree.path("plain.dat"), tree.path("two\\nlines\\t%1\\x1b[2J.dat")}))
+        << run.out.toStdString();
+    EXPECT_EQ(run.out.count('\n'), 5) << run.out.toStdString();  // count, blank, group, two copies
+}
+
 TEST(DupesCommand, RefusesWhatIsNotAFolder) {
     test::TestTree tree;
     EXPECT_EQ(runCli({"dupes", tree.write("file", "x")}).exitCode, 2);

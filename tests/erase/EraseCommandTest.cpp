@@ -90,6 +90,27 @@ TEST_F(EraseCommandTest, HardLinkedFileIsFailedWithTheReasonAndExitsOne) {
     EXPECT_EQ(rows.at(1).value("Result"), "Failed");
 }
 
+// A name cannot forge a line of the one-line-per-item output, in the erase result or in
+// the history list: its line break, tab, escape and backslash are written as \n, \t,
+// \x1b and \\, while the history keeps the name itself.
+TEST_F(EraseCommandTest, NameWithALineBreakStaysOnItsOwnLine) {
+    const QString name = "a\nErased  home\t\x1b[2J\\";
+    const QString file = scratch(name);
+    writeFile(file, "data");
+    const QString shown = scratch("a\\nErased  home\\t\\x1b[2J\\\\");
+
+    const CliRun run = runCli({"erase", "--yes", file});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_FALSE(existsOnDisk(file));
+    EXPECT_EQ(run.out, "Erased  " + shown + "\n");
+    EXPECT_EQ(onlyFileEntry().value(1).value("Items"), file);
+
+    const CliRun history = runCli({"history", "--type", "WipeFile"});
+    EXPECT_EQ(history.exitCode, 0) << history.err.toStdString();
+    EXPECT_TRUE(history.out.contains("\n  " + shown + " | HMG Infosec Standard 5 | Erased\n")) << history.out.toStdString();
+    EXPECT_EQ(history.out.count('\n'), 3) << history.out.toStdString();  // the entry, its header row, the item
+}
+
 TEST_F(EraseCommandTest, RefusesRootMissingPathsAndAnUnconfirmedRun) {
     const QString kept = scratch("kept.txt");
     writeFile(kept, "kept");
