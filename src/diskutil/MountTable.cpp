@@ -9,9 +9,6 @@
 
 namespace velmora::diskutil {
 
-namespace {
-
-// mountinfo writes space, tab, newline and backslash as octal escapes ("\040").
 std::string unescapeOctal(const std::string& field) {
     std::string text;
     for (size_t i = 0; i < field.size(); ++i) {
@@ -26,6 +23,8 @@ std::string unescapeOctal(const std::string& field) {
     }
     return text;
 }
+
+namespace {
 
 // Splits a line at single spaces. The kernel escapes the blanks inside a field; every
 // other byte, carriage return and form feed included, belongs to the field.

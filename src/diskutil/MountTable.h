@@ -16,6 +16,10 @@ struct MountEntry {
     std::string source;
 };
 
+// mountinfo and /proc/swaps write space, tab, newline and backslash as octal
+// escapes ("\040"); a backslash not followed by three octal digits stays as it is.
+std::string unescapeOctal(const std::string& field);
+
 // The entries of mountinfo text; lines without the fields up to the source are skipped.
 std::vector<MountEntry> parseMountTable(const std::string& text);
 std::vector<MountEntry> readMountTable();

@@ -24,22 +24,6 @@ std::string majorMinorOf(dev_t device) {
     return std::to_string(major(device)) + ":" + std::to_string(minor(device));
 }
 
-// /proc/swaps writes space, tab, newline and backslash in a path as octal escapes.
-std::string unescapeOctal(const std::string& field) {
-    std::string text;
-    for (size_t i = 0; i < field.size(); ++i) {
-        const bool escape = field[i] == '\\' && i + 3 < field.size()
-            && std::all_of(field.begin() + i + 1, field.begin() + i + 4, [](char c) { return c >= '0' && c <= '7'; });
-        if (escape) {
-            text += static_cast<char>(std::stoi(field.substr(i + 1, 3), nullptr, 8));
-            i += 3;
-        } else {
-            text += field[i];
-        }
-    }
-    return text;
-}
-
 // The block device a mounted file system lives on. File systems with an anonymous
 // device number (btrfs, FUSE) name their device node as the mount source instead.
 std::string blockDeviceOfMount(const std::string& majorMinor, const std::vector<MountEntry>& table) {
