@@ -80,7 +80,8 @@ public:
     bool createDydFile(const FillFolder& folder, int index);
     bool writLostDataWithLoseCount(qint64 remainder, qint64 fillCount, const FillFolder& folder);
     // The file ".velmora_<index>", written until the volume reports it is full and
-    // flushed, so no free unit is left unwritten.
+    // flushed, so no free unit is left unwritten. On ext4, run as root, it also takes
+    // the clusters kept in reserve, and the journal is written out after it (Ext4Fill).
     bool fillUntilFull(const FillFolder& folder, qint64 index);
     // End of a run, on the object's thread: the failure or success view, the
     // history record, the history flag and a rescan.
