@@ -1,6 +1,7 @@
 #include "engine/history/HistoryReport.h"
 
 #include "engine/history/HistoryKey.h"
+#include "engine/platform/WriteAll.h"
 
 #include <QFile>
 #include <QStringList>
@@ -61,16 +62,6 @@ QString itemRow(const HistoryRow& row) {
            "</tr>";
 }
 
-bool writeAll(int fd, const QByteArray& bytes) {
-    for (qsizetype written = 0; written < bytes.size();) {
-        const ssize_t count = ::write(fd, bytes.constData() + written, size_t(bytes.size() - written));
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        written += count;
-    }
-    return true;
-}
-
 // Writes a new file beside `path` (a fresh name, O_EXCL, owner-only) and renames it
 // over `path`. The rename replaces whatever entry has the name, a link included, and
 // never writes through it, so a link planted at the target cannot redirect the
@@ -80,7 +71,7 @@ bool replaceFile(const QString& path, const QByteArray& bytes) {
     QByteArray temporary = target + ".XXXXXX";
     const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (fd < 0) return false;
-    bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
+    bool written = writeAll(fd, bytes) == 0 && ::fsync(fd) == 0;
     written = ::close(fd) == 0 && written;
     if (written && ::rename(temporary.constData(), target.constData()) == 0) return true;
     ::unlink(temporary.constData());

@@ -1,5 +1,7 @@
 #include "engine/volumes/FillFileWriter.h"
 
+#include "engine/platform/WriteAll.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -15,19 +17,6 @@ constexpr qsizetype kGatherBytes = 4 * 1024 * 1024;
 // The write sizes of the last fill file once the volume first reports it is
 // full: a file system that refuses a large write may still take a smaller one.
 constexpr qsizetype kShrinkingWrites[] = {kGatherBytes, 256 * 1024, 16 * 1024, 4096, 512};
-
-// 0, or the errno of the failure; a write that takes nothing counts as EIO.
-int writeAll(int fd, const char* data, qsizetype size) {
-    while (size > 0) {
-        const ssize_t written = ::write(fd, data, size_t(size));
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return errno;
-        if (written == 0) return EIO;
-        data += written;
-        size -= written;
-    }
-    return 0;
-}
 
 int flushToDevice(int fd) {
 #ifdef Q_OS_MACOS

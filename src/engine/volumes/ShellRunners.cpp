@@ -1,6 +1,7 @@
 #include "engine/volumes/ShellRunners.h"
 
 #include "engine/platform/StandardPaths.h"
+#include "engine/platform/WriteAll.h"
 
 #include <QFile>
 #include <QProcess>
@@ -22,16 +23,6 @@ int createOutputFile(const QByteArray& path, QString* failure) {
     const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (fd < 0) *failure = QString("cannot create the output file %1: %2").arg(QFile::decodeName(path), std::strerror(errno));
     return fd;
-}
-
-bool writeAll(int fd, const QByteArray& bytes) {
-    for (qsizetype written = 0; written < bytes.size();) {
-        const ssize_t count = ::write(fd, bytes.constData() + written, size_t(bytes.size() - written));
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        written += count;
-    }
-    return true;
 }
 
 CommandResult runWithOutputFile(const CommandLine& command, const char* outputFileName) {
@@ -60,7 +51,7 @@ CommandResult runWithOutputFile(const CommandLine& command, const char* outputFi
     child.waitForFinished(-1);
     result.exitedNormally = child.exitStatus() == QProcess::NormalExit;
     result.exitCode = result.exitedNormally ? child.exitCode() : -1;
-    const bool written = writeAll(fd, child.readAllStandardOutput());
+    const bool written = writeAll(fd, child.readAllStandardOutput()) == 0;
     ::close(fd);
     const QString errorText = QString::fromUtf8(child.readAllStandardError()).trimmed();
     if (!result.exitedNormally)
