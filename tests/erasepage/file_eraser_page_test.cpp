@@ -35,6 +35,7 @@
 #include <QTextDocumentFragment>
 #include <QTreeWidget>
 #include <QUrl>
+#include <unistd.h>
 
 using namespace velmora;
 
@@ -386,6 +387,31 @@ private slots:
         QCOMPARE(DoDataBase::returnDoDataBase()->getAllData().size(), 1);
         for (SidebarButton* button : m_window->allTypeButArr()) QVERIFY(button->isEnabled());
         saveScreenshotWith(m_window.get(), m_page->failPanel(), "erase_files_cancelled");    }
+
+    // Removing one name of a file with a second name erases nothing: the page says
+    // "Failed" with the reason, and the history agrees.
+    void hardLinkedFileIsReportedFailed() {
+        if (!QFileInfo(secureRemoveTool()).isExecutable())
+            QSKIP(qPrintable("SKIPPED: the secure-remove tool is not built at " + secureRemoveTool()));
+        const QString file = m_scratch->filePath("linked.txt");
+        const QString secondName = m_scratch->filePath("second-name.txt");
+        writeFile(file, 4096);
+        QCOMPARE(::link(QFile::encodeName(file).constData(), QFile::encodeName(secondName).constData()), 0);
+        m_page->addSelectedPaths({file});
+        m_page->makeSureToEraserSelectFiles();
+
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->failPanel(), 60000);
+        QVERIFY(!m_page->successPanel());
+        QCOMPARE(m_page->deleteErrorArr().size(), 1);
+        QCOMPARE(m_page->deleteErrorArr().first().failStr, QString("Failed"));
+        QVERIFY2(m_page->deleteErrorArr().first().failReason.contains("hard links"),
+                 qPrintable(m_page->deleteErrorArr().first().failReason));
+        QCOMPARE(QFileInfo(secondName).size(), 4096);
+        const HistoryDic history = DoDataBase::returnDoDataBase()->getAllData();
+        QCOMPARE(history.size(), 1);
+        QCOMPARE(history.first().at(1).value("Result"), QString("Failed"));
+        saveScreenshotWith(m_window.get(), m_page->failPanel(), "erase_files_hard_link_failed");
+    }
 
     void sidePanelsSlideInOverThePage() {
         saveScreenshot(m_window.get(), "erase_files_empty_page");

@@ -14,6 +14,7 @@
 #include "gui/volumes/SystemEraserViewController.h"
 #include "gui/volumes/VolumeTableModel.h"
 #include "gui/volumes/WipeDiskViewController.h"
+#include "gui/volumes/WipeFailViewController.h"
 #include "gui/volumes/WipeFreeSpaceProViewController.h"
 #include "gui/volumes/WipeSuccessViewController.h"
 #include "gui/widgets/ImageToggle.h"
@@ -29,6 +30,7 @@
 #include <QPushButton>
 #include <QStorageInfo>
 #include <QTableView>
+#include <QTemporaryDir>
 #include <QTest>
 #include <memory>
 
@@ -310,20 +312,59 @@ private slots:
         QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
         QVERIFY(saveScreenshotWith(m_window.get(), m_page->successPanel(), "wipe_page_free_space_success"));
 
-        bool recorded = false;
-        const HistoryDic history = DoDataBase::returnDoDataBase()->getAllDataWithKey(DoDataBase::kWipeVolume);
-        for (const HistoryRows& rows : history)
-            for (const HistoryRow& row : rows)
-                recorded |= row.value("Items") == QString("Erase Free Space:%1").arg(kLabel) &&
-                            row.value("Result") == "Erased";
-        QVERIFY2(recorded, "no history row for the wipe");
+        QVERIFY2(freeSpaceResults().contains("Erased"), "no history row for the wipe");
         QCOMPARE(m_page->historyButton()->imageName(), QString("ic_history"));
         QVERIFY(QFileInfo::exists(m_mountPoint + "/kept.txt"));
         QVERIFY(!QFileInfo::exists(m_mountPoint + "/.Velmora"));
         QTest::mouseClick(m_page->successPanel()->okButton(), Qt::LeftButton);
     }
 
+    // A fill folder planted as a link to a folder elsewhere ends the run in the
+    // failure view: the folder behind the link is untouched and history says "Failed".
+    void redirectedFillFolderEndsInTheFailureView() {
+        QTemporaryDir outside;
+        QFile precious(outside.filePath("precious.txt"));
+        QVERIFY(precious.open(QIODevice::WriteOnly));
+        precious.write("keep me");
+        precious.close();
+        QVERIFY(QFile::link(outside.path(), m_mountPoint + "/.Velmora"));
+        const QStringList before = freeSpaceResults();
+
+        m_window->mouseClickAction(2);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        serveEventsFor(600);
+        clickRow(m_page, rowOfDevice(m_page, m_device));
+        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
+        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
+        QVERIFY(confirm && confirm->isVisible());
+        QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
+
+        QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 120000));
+        QVERIFY2(m_page->failPanel(), "the run ended in the success view");
+        QVERIFY(PanelContent::messageLabel(m_page->failPanel())->text().contains("read-only"));
+        QVERIFY(m_window->allTypeButArr().at(0)->isEnabled());
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(saveScreenshotWith(m_window.get(), m_page->failPanel(), "wipe_page_free_space_failed"));
+
+        QCOMPARE(QDir(outside.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 QStringList{"precious.txt"});
+        QCOMPARE(QFileInfo(m_mountPoint + "/.Velmora").symLinkTarget(), outside.path());
+        const QStringList after = freeSpaceResults();
+        QCOMPARE(after.count("Failed"), before.count("Failed") + 1);
+        QCOMPARE(after.count("Erased"), before.count("Erased"));
+        QTest::mouseClick(m_page->failPanel()->okButton(), Qt::LeftButton);
+    }
+
 private:
+    // The results of the free-space wipes of the test volume in the history.
+    static QStringList freeSpaceResults() {
+        QStringList results;
+        for (const HistoryRows& rows : DoDataBase::returnDoDataBase()->getAllDataWithKey(DoDataBase::kWipeVolume))
+            for (const HistoryRow& row : rows)
+                if (row.value("Items") == QString("Erase Free Space:%1").arg(kLabel)) results.append(row.value("Result"));
+        return results;
+    }
+
     TempDataDir m_data;
     std::unique_ptr<LoopVolume> m_volume;
     QString m_mountPoint;

@@ -3,6 +3,7 @@
 #include "gui/widgets/RFOverlayScroller.h"
 #include "gui/widgets/Style.h"
 
+#include <QFontMetrics>
 #include <QHeaderView>
 
 namespace velmora {
@@ -11,6 +12,8 @@ ErasureResultList::ErasureResultList(const FileObjList& results, QWidget* parent
     setColumnCount(2);
     setHeaderHidden(true);
     setRootIsDecorated(false);
+    setIndentation(0);
+    setItemsExpandable(false);
     setSelectionMode(QAbstractItemView::NoSelection);
     setFocusPolicy(Qt::NoFocus);
     setTextElideMode(Qt::ElideMiddle);
@@ -23,11 +26,35 @@ ErasureResultList::ErasureResultList(const FileObjList& results, QWidget* parent
     for (const FileObj& record : results) {
         auto* row = new QTreeWidgetItem(this, {record.url, record.failStr});
         row->setToolTip(0, record.url);
-        if (!record.failReason.isEmpty()) row->setToolTip(1, record.failReason);
         row->setFont(0, Style::regularFont(11));
         row->setFont(1, Style::boldFont(11));
         row->setForeground(0, Style::kSecondaryText);
         row->setForeground(1, record.failStr == "Erased" ? QColor(0x2F, 0xB3, 0x7C) : QColor(0xE0, 0x56, 0x5B));
+        if (record.failReason.isEmpty()) continue;
+        // Why the item failed, on a line of its own under it.
+        auto* reason = new QTreeWidgetItem(row);
+        reason->setData(0, Qt::UserRole, record.failReason);
+        reason->setFirstColumnSpanned(true);
+        reason->setToolTip(0, record.failReason);
+        reason->setFont(0, Style::regularFont(10));
+        reason->setForeground(0, QColor(0xE8, 0xA9, 0x3A));
+        row->setExpanded(true);
+        m_reasons.append(reason);
+    }
+}
+
+void ErasureResultList::resizeEvent(QResizeEvent* event) {
+    QTreeWidget::resizeEvent(event);
+    const int width = viewport()->width() - 12;
+    for (QTreeWidgetItem* reason : m_reasons) {
+        const QFontMetrics metrics(reason->font(0));
+        QStringList lines{QString()};
+        for (const QString& word : reason->data(0, Qt::UserRole).toString().split(' ')) {
+            const QString longer = lines.last().isEmpty() ? word : lines.last() + ' ' + word;
+            if (!lines.last().isEmpty() && metrics.horizontalAdvance(longer) > width) lines.append(word);
+            else lines.last() = longer;
+        }
+        reason->setText(0, lines.join('\n'));
     }
 }
 

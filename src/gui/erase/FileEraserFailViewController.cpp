@@ -18,8 +18,7 @@ FileEraserFailViewController::FileEraserFailViewController(const FileObjList& re
     setAttribute(Qt::WA_DeleteOnClose);
     QVBoxLayout* layout = PanelContent::addMessage(
         this, "ic_fail", "Not every item was erased",
-        "Items marked Failed are still on the disk: they may be in use, protected, or on a volume "
-        "that cannot be written.");
+        "Items marked Failed were not erased completely; the reason is shown under each.");
     m_failNode->setObjectName("failNode");
     m_failNode->setWordWrap(true);
     m_failNode->setStyleSheet("color: #E8A93A; background: transparent;");
