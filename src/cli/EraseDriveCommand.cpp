@@ -42,7 +42,7 @@ int runEraseDriveCommand(QStringList args) {
     WholeDriveErase erase(&wipe);
     const WipeOutcome outcome = runWipeUntilEnd(wipe, "Erasing", [&erase] { erase.makeSureToWipeSelectVolume(); });
     printOut(QString("%1  Erase Hard Drive:%2").arg(outcome.succeeded ? "Erased" : "Failed", printable(volume->volumeName)));
-    if (!outcome.succeeded) printErr("velmora-cli: " + printable(outcome.text));
+    if (!outcome.succeeded) printErr("velmora-cli: " + printableMessage(outcome.text));
     return outcome.succeeded ? 0 : 1;
 }
 

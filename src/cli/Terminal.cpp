@@ -25,6 +25,13 @@ QString printable(const QString& text) {
     return line;
 }
 
+QString printableMessage(const QString& text) {
+    QStringList lines = text.split('\n');
+    for (QString& line : lines) line = printable(line.trimmed());
+    lines.removeAll(QString());
+    return lines.join(' ');
+}
+
 ProgressBar::ProgressBar(QString title) : m_title(std::move(title)), m_enabled(isTerminal(STDERR_FILENO)) {}
 
 ProgressBar::~ProgressBar() { finish(); }

@@ -31,6 +31,9 @@ bool isTerminal(int fd);
 // C1 range that terminals take as commands) and a backslash as \\, so no name can break
 // the one-line-per-item output, forge a line of its own or drive the terminal.
 QString printable(const QString& text);
+// A message of the engine on one line: its line breaks become single spaces, any
+// other control character is escaped as printable does.
+QString printableMessage(const QString& text);
 
 void printOut(const QString& text);   // a line on standard output
 void printErr(const QString& text);   // a line on standard error

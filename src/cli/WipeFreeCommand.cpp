@@ -90,7 +90,7 @@ int runWipeFreeCommand(QStringList args) {
     if (!pinVolume(wipe.selectVolumeObj, &identityError)) {
         wipe.failRun(QString("Nothing was wiped: %1.").arg(identityError));
         printOut("Failed  Erase Free Space:" + printable(volume->volumeName));
-        printErr("velmora-cli: " + printable(wipe.errorString()));
+        printErr("velmora-cli: " + printableMessage(wipe.errorString()));
         return 1;
     }
     const WipeOutcome outcome = runWipeUntilEnd(wipe, "Wiping", [&wipe] {
@@ -98,7 +98,7 @@ int runWipeFreeCommand(QStringList args) {
         wipe.doFreeSpaceAction();
     });
     printOut(QString("%1  Erase Free Space:%2").arg(outcome.succeeded ? "Erased" : "Failed", printable(volume->volumeName)));
-    if (!outcome.succeeded) printErr("velmora-cli: " + printable(outcome.text));
+    if (!outcome.succeeded) printErr("velmora-cli: " + printableMessage(outcome.text));
     return outcome.succeeded ? 0 : 1;
 }
 

@@ -19,10 +19,6 @@
 namespace velmora::test {
 namespace {
 
-constexpr char kFolderFailText[] =
-    "The hard drive is occupied or the hard drive is read-only. \n"
-    "Close other programs or remove the read-only attribute to try again.";
-
 QStringList entriesOf(const QString& folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
