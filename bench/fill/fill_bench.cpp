@@ -35,7 +35,9 @@ std::optional<VolumeObj> loopVolumeAt(const QString& folder) {
     return std::nullopt;
 }
 
-qint64 fill(VolumeObj volume) {
+qint64 fill(VolumeObj volume, double* seconds) {
+    QElapsedTimer clock;
+    clock.start();
     QString error;
     if (!pinVolume(volume, &error)) {
         std::fprintf(stderr, "fill_bench: %s\n", qPrintable(error));
@@ -48,6 +50,20 @@ qint64 fill(VolumeObj volume) {
     QObject::connect(&wipe, &FreeSpaceWipe::closeWindow, &loop, &QEventLoop::quit);
     wipe.doFreeSpaceAction();
     loop.exec();
+    *seconds = clock.nsecsElapsed() / 1e9;
+    // The end view's verdict follows; a failed fill is no measurement.
+    bool succeeded = false;
+    QString endText;
+    QObject::connect(&wipe, &FreeSpaceWipe::eraserEnded, &loop, [&](bool ok, const QString& text) {
+        succeeded = ok;
+        endText = text;
+        loop.quit();
+    });
+    loop.exec();
+    if (!succeeded) {
+        std::fprintf(stderr, "fill_bench: the fill failed: %s\n", qPrintable(endText));
+        return -1;
+    }
     return volume.volumeFreeSizeNum - wipe.unreachableBytes();
 }
 
@@ -88,10 +104,12 @@ int main(int argc, char* argv[]) {
     EraserLevel::store(1);
     QLoggingCategory::setFilterRules("default.info=false\ndefault.warning=false");
 
+    double seconds = 0;
     QElapsedTimer clock;
     clock.start();
-    const qint64 bytes = args[1] == "fill" ? fill(*volume) : dd(folder);
+    const qint64 bytes = args[1] == "fill" ? fill(*volume, &seconds) : dd(folder);
     if (bytes < 0) return 1;
-    std::printf("%.3f %lld\n", clock.nsecsElapsed() / 1e9, bytes);
+    if (args[1] == "dd") seconds = clock.nsecsElapsed() / 1e9;
+    std::printf("%.3f %lld\n", seconds, bytes);
     return 0;
 }
