@@ -171,6 +171,33 @@ TEST_F(RemoveFileAndFolderTest, MissingToolStillEndsTheRun) {
     EXPECT_TRUE(existsOnDisk(path));
 }
 
+// A file swapped for a link after the engine's last look: the tool then removes only
+// the link and ends well, but the file's data is not erased, so the verdict is Fail.
+TEST_F(RemoveFileAndFolderTest, FileSwappedForALinkJustBeforeTheToolIsNotErased) {
+    QTemporaryDir standInBin;
+    QFile tool(standInBin.filePath("srm"));
+    ASSERT_TRUE(tool.open(QIODevice::WriteOnly));
+    tool.write("#!/bin/sh\n"
+               "for last; do :; done\n"
+               "mv -- \"$last\" \"$last.kept\" && ln -s \"$last.kept\" \"$last\" && rm -- \"$last\"\n"
+               "echo \"removed $last (symbolic link; its target is untouched)\"\n");
+    tool.close();
+    ASSERT_TRUE(tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QByteArray realBin = qgetenv("VELMORA_BIN_DIR");
+    qputenv("VELMORA_BIN_DIR", standInBin.path().toUtf8());
+    const QString path = scratch("data.txt");
+    writeFile(path, "content");
+    RemoveFileAndFolder engine;
+    EngineRun run(engine);
+    engine.benginToTraskWithArr({fileRecord(path)});
+    const bool ended = run.waitForEnd();
+    qputenv("VELMORA_BIN_DIR", realBin);
+    ASSERT_TRUE(ended);
+    EXPECT_EQ(verdicts(run.results), QStringList{"Fail"});
+    EXPECT_TRUE(run.results.first().failReason.contains("replaced by a link")) << run.results.first().failReason.toStdString();
+    EXPECT_TRUE(existsOnDisk(path + ".kept"));
+}
+
 // The engine launches the real tool with exactly the option string of the level
 // and the path; each run is cancelled as soon as the tool is seen running.
 TEST_F(RemoveFileAndFolderTest, LevelChoosesTheToolOptionsAndCancelStopsTheTool) {

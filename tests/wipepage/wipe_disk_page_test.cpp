@@ -183,6 +183,25 @@ private slots:
 
     // A volume mounted while the confirmation is open rescans the list; the
     // confirmed run still acts on the volume that was chosen, found by its device.
+    // From the keyboard: Down and Up in the focused list choose the volume below and
+    // above, as in a group of radio buttons; the choice stops at the ends.
+    void arrowKeysChooseAVolume() {
+        m_window->mouseClickAction(2);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QTableView* table = m_page->tableView();
+        QCOMPARE(table->focusPolicy(), Qt::TabFocus);
+        const int rows = int(m_page->allVolumeArr().size());
+        const int row = rowOfDevice(m_page, m_device);
+        for (int step = 0; step <= row; ++step) QTest::keyClick(table, Qt::Key_Down);
+        QCOMPARE(m_page->selectIndex(), row);
+        QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
+        QVERIFY(m_page->wipeButton()->isEnabled());
+        for (int step = 0; step < rows + 1; ++step) QTest::keyClick(table, Qt::Key_Down);
+        QCOMPARE(m_page->selectIndex(), rows - 1);
+        for (int step = 0; step < rows + 1; ++step) QTest::keyClick(table, Qt::Key_Up);
+        QCOMPARE(m_page->selectIndex(), 0);
+    }
+
     void mountEventsWhileTheConfirmationIsOpenKeepTheChosenVolume() {
         m_window->mouseClickAction(2);
         QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));

@@ -153,6 +153,7 @@ void RemoveFileAndFolder::runTaskWithPath() {
     } else if (S_ISREG(info.st_mode) && info.st_size == 0 && info.st_nlink == 1) {
         removeEmptyFile(file);
     } else {
+        m_recordIsLink = S_ISLNK(info.st_mode);
         launchSecureRemove(file);
     }
 }
@@ -160,6 +161,7 @@ void RemoveFileAndFolder::runTaskWithPath() {
 void RemoveFileAndFolder::launchSecureRemove(FileObj& file) {
     m_toolOutput.clear();
     m_toolErrors.clear();
+    m_toolRemovedALink = false;
     const QString options = EraserLevel::optionString(getEraserTimes(), file.isSSD);
     m_task = startSecureRemoveTask(this, options, file.url,
                                    [this](bool exitedNormally, int exitCode) { toolEnded(exitedNormally, exitCode); });
@@ -185,6 +187,8 @@ void RemoveFileAndFolder::readToolProgress() {
         const QByteArray line = m_toolOutput.left(end);
         m_toolOutput.remove(0, end + 1);
         if (!line.startsWith("removed ")) continue;
+        if (line == "removed " + QFile::encodeName(m_results.last().url) + " (symbolic link; its target is untouched)")
+            m_toolRemovedALink = true;
         ++m_itemsInRecord;
         if (m_cancelled || m_itemsInRecord >= m_itemCounts.at(m_index)) continue;
         const int done = m_itemsDone + m_itemsInRecord;
@@ -205,6 +209,9 @@ void RemoveFileAndFolder::toolEnded(bool exitedNormally, int exitCode) {
         failure = toolSaid.isEmpty() ? QString("the secure-remove tool failed (status %1)").arg(exitCode) : toolSaid;
     else if (existsOnDisk(file.url))
         failure = "it is still there after the secure-remove tool ended";
+    else if (m_toolRemovedALink && !m_recordIsLink)
+        // Swapped for a link after the last check: only the link went, the data did not.
+        failure = "it was replaced by a link just before it was erased; only the link was removed";
     file.failStr = failure.isEmpty() ? "Success" : "Fail";
     file.failReason = failure;
     if (!failure.isEmpty()) {

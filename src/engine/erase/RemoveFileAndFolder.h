@@ -70,6 +70,8 @@ private:
     int m_itemsDone = 0;       // in the records before the current one
     int m_itemsInRecord = 0;   // reported removed by the tool in the current record
     QByteArray m_toolOutput;   // a progress line not yet complete
+    bool m_recordIsLink = false;        // the current record was a symbolic link when its turn came
+    bool m_toolRemovedALink = false;    // the tool reported the record's own path removed as a link
     QByteArray m_toolErrors;   // the start of what the tool said went wrong
 };
 

@@ -29,6 +29,7 @@
 #include "gui/widgets/Style.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QTableView>
 
@@ -111,9 +112,16 @@ void WipeDiskViewController::createTable() {
     for (int column = 0; column < VolumeTableModel::ColumnCount; ++column)
         columnWidths.append(VolumeTableModel::columnWidth(column));
     applyListTableLook(m_tableView, 44, columnWidths);
-    // A click anywhere on a row chooses its volume.
+    // A click anywhere on a row chooses its volume; from the keyboard (Tab into the
+    // list, which then shows a ring), Up and Down choose, as in a group of radio buttons.
     connect(m_tableView, &QTableView::clicked, this,
             [this](const QModelIndex& index) { selectVolumeButton(index.row()); });
+    m_tableView->setFocusPolicy(Qt::TabFocus);
+    m_tableView->setTabKeyNavigation(false);  // Tab leaves the list for "Erase Now"
+    m_tableView->setStyleSheet(m_tableView->styleSheet() +
+                               QString("QTableView:focus { border: 2px solid %1; border-radius: 6px; }")
+                                   .arg(Style::rgba(Style::kAccent)));
+    m_tableView->installEventFilter(this);
 
     m_busyIndicator = new MLCircularIndicator(this, 48);
     m_busyIndicator->move(m_tableView->geometry().center() - QPoint(24, 24));
@@ -169,6 +177,17 @@ bool WipeDiskViewController::confirmationOpen() const {
 
 // The row of the chosen volume in the current list, found by its device node and
 // UUID: a row index or a name may belong to another volume after a rescan.
+bool WipeDiskViewController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != m_tableView || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key != Qt::Key_Up && key != Qt::Key_Down) return false;
+    const int rows = int(allVolumeArr().size());
+    const int chosen = rowOfSelectedVolume();
+    const int row = chosen < 0 ? (key == Qt::Key_Down ? 0 : rows - 1) : chosen + (key == Qt::Key_Down ? 1 : -1);
+    if (row >= 0 && row < rows) selectVolumeButton(row);
+    return true;
+}
+
 int WipeDiskViewController::rowOfSelectedVolume() const {
     if (m_selectIndex < 0) return -1;
     const VolumeObj& chosen = m_wipe->selectVolumeObj;

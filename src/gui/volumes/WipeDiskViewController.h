@@ -78,6 +78,10 @@ public slots:
     void changeFormatOrFreeSpaceView(int tag);
     void endAppRemoveFolder();
 
+protected:
+    // Up and Down in the focused volume list choose the volume above or below.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void createHeader();
     void createTable();

@@ -2,6 +2,8 @@
 
 #include "gui/widgets/Style.h"
 
+#include <QPainter>
+
 namespace velmora {
 
 ImageSetButton::ImageSetButton(const QString& text, const QString& baseName, int fontSize, QWidget* parent,
@@ -10,6 +12,7 @@ ImageSetButton::ImageSetButton(const QString& text, const QString& baseName, int
     const QString stem = stateStem.isEmpty() ? baseName : stateStem;
     setFont(Style::regularFont(fontSize));
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus);  // the ring then shows for keyboard use only
     setMinimumSize(104, 32);
     setStyleSheet(QString(R"(
         QPushButton { border-image: url(%1) 15 15 15 15 stretch; border-width: 15px; padding: -15px 0px;
@@ -19,6 +22,13 @@ ImageSetButton::ImageSetButton(const QString& text, const QString& baseName, int
         QPushButton:disabled { border-image: url(%4) 15 15 15 15 stretch; color: rgba(255,255,255,90); }
     )").arg(Style::imagePath(baseName), Style::imagePath(stem + "_hover"), Style::imagePath(stem + "_press"),
             Style::imagePath(stem + "_disable")));
+}
+
+void ImageSetButton::paintEvent(QPaintEvent* event) {
+    QPushButton::paintEvent(event);
+    if (!hasFocus()) return;
+    QPainter painter(this);
+    Style::drawFocusRing(painter, QRectF(rect()), height() / 2.0);
 }
 
 ImageSetButton* ImageSetButton::secondary(const QString& text, QWidget* parent) {

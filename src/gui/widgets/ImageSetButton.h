@@ -16,6 +16,9 @@ public:
                    const QString& stateStem = {});
     static ImageSetButton* secondary(const QString& text, QWidget* parent = nullptr);  // "btn_sec"
     static ImageSetButton* primary(const QString& text, QWidget* parent = nullptr);    // "btn_pril_normal"
+
+protected:
+    void paintEvent(QPaintEvent* event) override;  // adds the focus ring
 };
 
 }  // namespace velmora

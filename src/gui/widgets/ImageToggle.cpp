@@ -10,6 +10,7 @@ namespace velmora {
 ImageToggle::ImageToggle(const QString& imageName, QWidget* parent, int side)
     : QAbstractButton(parent), m_imageName(imageName), m_side(side) {
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus);  // the ring then shows for keyboard use only
     setFixedSize(side, side);
 }
 
@@ -25,6 +26,7 @@ void ImageToggle::paintEvent(QPaintEvent*) {
     QSvgRenderer renderer(Style::imagePath(m_imageName));
     if (!isEnabled()) painter.setOpacity(0.4);
     renderer.render(&painter, QRectF(rect()));
+    if (hasFocus()) Style::drawFocusRing(painter, QRectF(rect()), m_side / 2.0);
 }
 
 }  // namespace velmora

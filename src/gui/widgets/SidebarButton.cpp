@@ -14,6 +14,7 @@ SidebarButton::SidebarButton(const QString& title, const QString& iconImage, con
     setText(title);
     setFixedHeight(48);
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus);  // the ring then shows for keyboard use only
     setFont(Style::regularFont(12));
     connect(this, &QAbstractButton::clicked, this, [this] { emit clickedWithTag(m_tag); });
 }
@@ -56,6 +57,7 @@ void SidebarButton::paintEvent(QPaintEvent*) {
     painter.setPen(m_selected ? Style::kAccent : Style::kText);
     painter.setFont(m_selected ? Style::boldFont(12) : Style::regularFont(12));
     painter.drawText(area.adjusted(48, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
+    if (hasFocus()) Style::drawFocusRing(painter, area, 8);
 }
 
 }  // namespace velmora

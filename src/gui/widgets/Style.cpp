@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QPainter>
 #include <QPalette>
 
 namespace velmora::Style {
@@ -47,6 +48,15 @@ void apply(QApplication& app) {
         QLineEdit { background: rgba(255,255,255,20); border: 1px solid rgba(255,255,255,60);
                     border-radius: 4px; padding: 4px; }
     )").arg(rgba(kPanel), rgba(kAccent), rgba(kSelection), rgba(kSecondaryText)));
+}
+
+void drawFocusRing(QPainter& painter, const QRectF& area, qreal radius) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(kAccent, 2));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(area.adjusted(1, 1, -1, -1), radius, radius);
+    painter.restore();
 }
 
 QString imagePath(const QString& name) { return QString(":/images/%1.svg").arg(name); }

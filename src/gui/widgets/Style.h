@@ -6,6 +6,8 @@
 
 class QApplication;
 class QLabel;
+class QPainter;
+class QRectF;
 
 namespace velmora {
 
@@ -29,6 +31,8 @@ QFont lightFont(int pointSize);
 QFont boldFont(int pointSize);
 // A label in the style: white, or half-transparent white for secondary text.
 QLabel* label(const QString& text, int pointSize, bool secondary = false, bool bold = false);
+// The ring a control draws around itself while it has the keyboard focus.
+void drawFocusRing(QPainter& painter, const QRectF& area, qreal radius);
 
 }  // namespace Style
 }  // namespace velmora
