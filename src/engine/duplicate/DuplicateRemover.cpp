@@ -3,6 +3,7 @@
 #include "engine/duplicate/DuplicateLog.h"
 #include "engine/duplicate/PathNames.h"
 #include "engine/erase/KxAuthorization.h"
+#include "engine/erase/TreeRemoval.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -194,45 +195,6 @@ bool sameBundleContent(int copyFd, int keptFd) {
     return true;
 }
 
-// Removes everything below the folder, following no link and entering no
-// other file system; answers the first failure's errno, 0 when all went.
-int removeBelow(int folderFd, dev_t device) {
-    const int listFd = dup(folderFd);
-    DIR* dir = listFd >= 0 ? fdopendir(listFd) : nullptr;
-    if (!dir) {
-        if (listFd >= 0) close(listFd);
-        return errno;
-    }
-    rewinddir(dir);  // the copy shares its position with the folder's descriptor
-    std::vector<QByteArray> names;
-    while (const dirent* entry = readdir(dir))
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) names.emplace_back(entry->d_name);
-    closedir(dir);
-    int failure = 0;
-    for (const QByteArray& name : names) {
-        struct stat st;
-        if (fstatat(folderFd, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
-            failure = failure ? failure : errno;
-            continue;
-        }
-        if (S_ISDIR(st.st_mode)) {
-            const Descriptor sub(openRetrying(folderFd, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW));
-            struct stat subStat;
-            if (!sub.valid() || fstat(sub.get(), &subStat) != 0 || subStat.st_dev != device) {
-                failure = failure ? failure : (sub.valid() ? EXDEV : errno);
-                continue;
-            }
-            if (const int below = removeBelow(sub.get(), device)) {
-                failure = failure ? failure : below;
-                continue;
-            }
-        }
-        if (unlinkat(folderFd, name.constData(), S_ISDIR(st.st_mode) ? AT_REMOVEDIR : 0) != 0)
-            failure = failure ? failure : errno;
-    }
-    return failure;
-}
-
 // Where the open folder is now, free of links (the kernel's own record).
 QString currentPathOf(int folderFd) {
 #if defined(__APPLE__)
@@ -326,10 +288,9 @@ DuplicateRemover::Verdict DuplicateRemover::removeBundle(const Removal& removal)
         if (!kept.open(other, true)) continue;
         if (!sameBundleContent(opened.item.get(), kept.item.get()) || !opened.stillUnchanged(copy))
             return verdict(Outcome::CopyChanged, QString("it no longer equals %1").arg(other.path));
-        struct stat st;
-        fstat(opened.item.get(), &st);
-        if (const int error = removeBelow(opened.item.get(), st.st_dev))
-            return verdict(Outcome::Failed, QString("partly removed: %1").arg(QString::fromLocal8Bit(strerror(error))));
+        if (const QByteArray left = TreeRemoval::removeContents(opened.item.get(), QFile::encodeName(copy.path));
+            !left.isEmpty())
+            return verdict(Outcome::Failed, QString("partly removed: %1").arg(QString::fromLocal8Bit(left)));
         if (unlinkat(opened.folder.get(), opened.name.constData(), AT_REMOVEDIR) != 0)
             return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(errno)));
         return verdict(Outcome::Removed, {});

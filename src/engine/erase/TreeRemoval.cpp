@@ -31,6 +31,7 @@ bool listFolder(int folderFd, QList<QByteArray>* names) {
         if (listingFd >= 0) close(listingFd);
         return false;
     }
+    rewinddir(listing);  // the copy shares its position with the folder's descriptor
     errno = 0;
     while (const dirent* entry = readdir(listing)) {
         const QByteArray name(entry->d_name);
@@ -39,21 +40,6 @@ bool listFolder(int folderFd, QList<QByteArray>* names) {
     const bool complete = errno == 0;
     closedir(listing);
     return complete;
-}
-
-QByteArray removeEntry(int folderFd, const QByteArray& name, const QByteArray& path, bool insideWalk,
-                       const std::optional<Identity>& expected);
-
-// Empties the open folder; answers the first reason something stayed.
-QByteArray removeContents(int folderFd, const QByteArray& path) {
-    QList<QByteArray> names;
-    if (!listFolder(folderFd, &names)) return failure(path, "cannot list the folder", errno);
-    QByteArray firstFailure;
-    for (const QByteArray& name : std::as_const(names)) {
-        const QByteArray result = removeEntry(folderFd, name, path + "/" + name, true, std::nullopt);
-        if (firstFailure.isEmpty()) firstFailure = result;
-    }
-    return firstFailure;
 }
 
 QByteArray removeEntry(int folderFd, const QByteArray& name, const QByteArray& path, bool insideWalk,
@@ -85,6 +71,17 @@ QByteArray removeEntry(int folderFd, const QByteArray& name, const QByteArray& p
 }
 
 }  // namespace
+
+QByteArray removeContents(int folderFd, const QByteArray& path) {
+    QList<QByteArray> names;
+    if (!listFolder(folderFd, &names)) return failure(path, "cannot list the folder", errno);
+    QByteArray firstFailure;
+    for (const QByteArray& name : std::as_const(names)) {
+        const QByteArray result = removeEntry(folderFd, name, path + "/" + name, true, std::nullopt);
+        if (firstFailure.isEmpty()) firstFailure = result;
+    }
+    return firstFailure;
+}
 
 std::optional<Identity> identityOf(const QByteArray& path) {
     struct stat status;

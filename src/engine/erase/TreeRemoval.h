@@ -22,6 +22,10 @@ std::optional<Identity> identityOf(const QByteArray& path);
 // resolved.
 QByteArray withResolvedFolder(const QByteArray& path);
 
+// Empties the open folder the same way (path names it in the reasons). Answers an
+// empty text on success, else the first reason something stayed.
+QByteArray removeContents(int folderFd, const QByteArray& path);
+
 // Removes the item at the path, a folder with everything in it, through folder
 // descriptors: no link on the way to it or inside it is followed (links inside are
 // removed as links), and nothing mounted inside a folder is entered (it is reported
