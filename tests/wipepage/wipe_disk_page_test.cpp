@@ -361,6 +361,9 @@ private slots:
         QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 120000));
         QVERIFY2(m_page->failPanel(), "the run ended in the success view");
         QVERIFY(PanelContent::messageLabel(m_page->failPanel())->text().contains("read-only"));
+        QVERIFY(m_page->failPanel()->detailLabel()->isVisibleTo(m_page->failPanel()));
+        QVERIFY2(m_page->failPanel()->detailLabel()->text().contains("link"),
+                 qPrintable(m_page->failPanel()->detailLabel()->text()));
         QVERIFY(m_window->allTypeButArr().at(0)->isEnabled());
         QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
         QVERIFY(saveScreenshotWith(m_window.get(), m_page->failPanel(), "wipe_page_free_space_failed"));

@@ -75,6 +75,7 @@ void FreeSpaceWipe::doFreeSpaceAction() {
     m_isCancelEraser = false;
     m_failed = false;
     m_errorString.clear();
+    m_failureDetail.clear();
     m_iRoundTimes = 0;
     m_unreachableBytes = 0;
     const qint64 freeBytes = qMax<qint64>(0, selectVolumeObj.volumeFreeSizeNum);
@@ -101,13 +102,13 @@ void FreeSpaceWipe::runPasses(qint64 fillCount, qint64 remainder, int passes, fl
         QString problem;
         if (!FillFolder::isVolumeRoot(mountPoint, device, &problem)) {
             qWarning("Create finder fail: %s", qPrintable(problem));
-            recordFailure(kFolderFailText);
+            recordFailure(kFolderFailText, problem);
             break;
         }
         FillFolder folder(mountPoint, device);
         if (!folder.isOpen()) {
             qWarning("Create finder fail: %s", qPrintable(folder.problem()));
-            recordFailure(kFolderFailText);
+            recordFailure(kFolderFailText, folder.problem());
             break;
         }
         setWipeScanPathStr(folder.path());
@@ -249,6 +250,7 @@ void FreeSpaceWipe::showEndEraser() {
 
 void FreeSpaceWipe::failRun(const QString& reason) {
     m_errorString = reason;
+    m_failureDetail.clear();
     showEndEraser();
 }
 
@@ -295,12 +297,15 @@ QString FreeSpaceWipe::elapsedTimeText(qint64 seconds) {
 
 void FreeSpaceWipe::resetRounds() { m_iRoundTimes = 0; }
 
-void FreeSpaceWipe::recordFailure(const QString& text) {
+void FreeSpaceWipe::recordFailure(const QString& text, const QString& detail) {
     if (m_failed.exchange(true)) {
         qInfo("%s", qPrintable(text));
         return;
     }
-    QMetaObject::invokeMethod(this, [this, text] { m_errorString = text; });
+    QMetaObject::invokeMethod(this, [this, text, detail] {
+        m_errorString = text;
+        m_failureDetail = detail;
+    });
 }
 
 bool FreeSpaceWipe::failWrite(const QByteArray& file, int error) {

@@ -98,6 +98,9 @@ public:
     // Clears iRoundTimes (the whole-drive erase does so before its fill).
     void resetRounds();
     QString errorString() const { return m_errorString; }
+    // What exactly went wrong, where the failure text is a general one (the fill
+    // folder: it is a link, or it is not ours); empty otherwise.
+    QString failureDetail() const { return m_failureDetail; }
     // Free bytes the volume still counted once it reported full (most of any
     // pass): space kept in reserve by the file system that the fill could not
     // reach. Told in the end text and by the CLI when not 0.
@@ -119,7 +122,7 @@ private:
     // Ends the run from the worker: the progress view closes, the end view follows.
     void scheduleEnd();
     // Records the first failure of the run (from the worker); the later ones are logged only.
-    void recordFailure(const QString& text);
+    void recordFailure(const QString& text, const QString& detail = {});
     // Records a failed write of a fill file; always false.
     bool failWrite(const QByteArray& file, int error);
     void setWipeScanPathStr(const QString& folder);
@@ -131,6 +134,7 @@ private:
     std::atomic<int> m_iRoundTimes{0};
     std::atomic<int> m_times{0};
     QString m_errorString;
+    QString m_failureDetail;
     QString m_wipeScanPathStr;
     QString m_runMountPoint;   // the volume of the latest run, for the removal at exit
     quint64 m_runDevice = 0;

@@ -324,7 +324,7 @@ void WipeDiskViewController::showEndEraser(bool succeeded, const QString& endTex
         m_successPanel = new WipeSuccessViewController(endText, this);
         m_successPanel->open();
     } else {
-        m_failPanel = new WipeFailViewController(endText, cancelled, this);
+        m_failPanel = new WipeFailViewController(endText, m_wipe->failureDetail(), cancelled, this);
         m_failPanel->open();
     }
     updateHistoryButton();

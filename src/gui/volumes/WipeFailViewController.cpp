@@ -9,9 +9,11 @@
 
 namespace velmora {
 
-WipeFailViewController::WipeFailViewController(const QString& errorText, bool wasCancelled, QWidget* parent)
+WipeFailViewController::WipeFailViewController(const QString& errorText, const QString& detail, bool wasCancelled,
+                                               QWidget* parent)
     : MAAttachedWindow(parent, {470, 230}),
       m_failNode(Style::label("The space written so far has been released again; the volume holds no fill files.", 12)),
+      m_detailLabel(Style::label(detail, 11, true)),
       m_okButton(ImageSetButton::primary("OK", this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     QVBoxLayout* layout = PanelContent::addMessage(this, "ic_fail", "Erasure failed", errorText);
@@ -20,6 +22,10 @@ WipeFailViewController::WipeFailViewController(const QString& errorText, bool wa
     m_failNode->setStyleSheet("color: #E8A93A; background: transparent;");
     m_failNode->setVisible(wasCancelled);
     layout->addWidget(m_failNode);
+    m_detailLabel->setObjectName("detailLabel");
+    m_detailLabel->setWordWrap(true);
+    m_detailLabel->setVisible(!detail.isEmpty());
+    layout->addWidget(m_detailLabel);
     PanelContent::addButtons(layout, {m_okButton});
     // A long reason (which file failed, and why) makes the view taller.
     setFixedHeight(qMax(height(), layout->totalHeightForWidth(width())));

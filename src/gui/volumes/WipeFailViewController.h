@@ -12,12 +12,15 @@ namespace velmora {
 class WipeFailViewController : public MAAttachedWindow {
     Q_OBJECT
 public:
-    WipeFailViewController(const QString& errorText, bool wasCancelled, QWidget* parent);
+    // detail, when not empty, says under the failure text what exactly went wrong.
+    WipeFailViewController(const QString& errorText, const QString& detail, bool wasCancelled, QWidget* parent);
     QLabel* failNode() const { return m_failNode; }
+    QLabel* detailLabel() const { return m_detailLabel; }
     QPushButton* okButton() const { return m_okButton; }
 
 private:
     QLabel* m_failNode;
+    QLabel* m_detailLabel;
     QPushButton* m_okButton;
 };
 
