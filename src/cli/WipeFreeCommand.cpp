@@ -4,7 +4,6 @@
 #include "cli/VolumesCommand.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/volumes/FreeSpaceWipe.h"
-#include "engine/volumes/VolumeIdentity.h"
 
 #include <QEventLoop>
 #include <QLoggingCategory>
@@ -84,11 +83,7 @@ int runWipeFreeCommand(QStringList args) {
         return 1;
     }
 
-    // The volume confirmed is pinned by its device and UUID; the fill checks it is
-    // still that file system.
-    QString identityError;
-    if (!pinVolume(wipe.selectVolumeObj, &identityError)) {
-        wipe.failRun(QString("Nothing was wiped: %1.").arg(identityError));
+    if (!wipe.pinSelectedVolume()) {
         printOut("Failed  Erase Free Space:" + printable(volume->volumeName));
         printErr("velmora-cli: " + printableMessage(wipe.errorString()));
         return 1;

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -68,6 +69,29 @@ bool onSameMount(int folderFd, int fd)
     struct stat itemStatus;
     return fstat(folderFd, &folderStatus) == 0 && fstat(fd, &itemStatus) == 0 &&
            folderStatus.st_dev == itemStatus.st_dev;
+}
+
+std::vector<std::string> folderEntries(int folderFd, int& error)
+{
+    std::vector<std::string> names;
+    const int listingFd = dup(folderFd);
+    DIR* listing = listingFd >= 0 ? fdopendir(listingFd) : nullptr;
+    if (!listing) {
+        error = errno;
+        if (listingFd >= 0)
+            close(listingFd);
+        return names;
+    }
+    rewinddir(listing); // the copy shares its position with the folder's descriptor
+    errno = 0;
+    while (const dirent* entry = readdir(listing)) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..")
+            names.push_back(name);
+    }
+    error = errno;
+    closedir(listing);
+    return names;
 }
 
 } // namespace velmora

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace velmora {
 
@@ -14,5 +15,12 @@ int openFolderNoFollow(const std::string& path);
 // bind mount of the same file system counts as another mount where the kernel tells
 // mounts apart (Linux); elsewhere the device numbers decide.
 bool onSameMount(int folderFd, int fd);
+
+// What a walk says of an entry on another mount inside the folder it walks.
+inline constexpr char kOnAnotherMount[] = "lies on another file system (a mount inside the folder); left alone";
+
+// The names in the open folder, "." and ".." left out, listed from its start even when
+// the descriptor was read before. `error` is 0, or the errno of a failed listing.
+std::vector<std::string> folderEntries(int folderFd, int& error);
 
 } // namespace velmora

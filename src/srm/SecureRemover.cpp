@@ -10,7 +10,6 @@
 #include <cstring>
 #include <vector>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -23,7 +22,6 @@ std::string reason(int error)
     return std::strerror(error);
 }
 
-const char* const kOtherMount = "lies on another file system (a mount inside the folder); left alone";
 constexpr int kMaxOverwriteRounds = 3;
 
 bool sameFile(const struct stat& a, const struct stat& b)
@@ -42,28 +40,6 @@ std::string randomName(std::size_t oldLength)
     for (unsigned char byte : bytes)
         name += alphabet[byte % (sizeof alphabet - 1)];
     return name;
-}
-
-std::vector<std::string> folderEntries(int folderFd, int& error)
-{
-    std::vector<std::string> names;
-    const int listingFd = dup(folderFd);
-    DIR* listing = listingFd >= 0 ? fdopendir(listingFd) : nullptr;
-    if (!listing) {
-        error = errno;
-        if (listingFd >= 0)
-            close(listingFd);
-        return names;
-    }
-    errno = 0;
-    while (const dirent* entry = readdir(listing)) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..")
-            names.push_back(name);
-    }
-    error = errno;
-    closedir(listing);
-    return names;
 }
 
 } // namespace
@@ -153,7 +129,7 @@ bool SecureRemover::removeFile(int dirfd, const std::string& name, const std::st
     }
     if (insideWalk && !onSameMount(dirfd, fd)) {
         close(fd);
-        printProblem(path, kOtherMount);
+        printProblem(path, kOnAnotherMount);
         return false;
     }
     fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
@@ -195,7 +171,7 @@ bool SecureRemover::removeFolder(int dirfd, const std::string& name, const std::
     }
     if (insideWalk && !onSameMount(dirfd, folderFd)) {
         close(folderFd);
-        printProblem(path, kOtherMount);
+        printProblem(path, kOnAnotherMount);
         return false;
     }
     int listError = 0;

@@ -6,6 +6,7 @@
 
 #include <QEventLoop>
 #include <QTimer>
+#include <optional>
 #include <sys/stat.h>
 
 namespace velmora::test {
@@ -22,6 +23,20 @@ protected:
     void SetUp() override {
         EraseTest::SetUp();
         ASSERT_TRUE(QFileInfo(binDir() + "/srm").isExecutable()) << "the srm target must be built";
+    }
+
+    // Runs the engine over the records with the tools of another folder: the
+    // results, or none when the run did not end.
+    static std::optional<FileObjList> runWithToolsIn(const QString& toolFolder, const FileObjList& records) {
+        const QByteArray realBin = qgetenv("VELMORA_BIN_DIR");
+        qputenv("VELMORA_BIN_DIR", toolFolder.toUtf8());
+        RemoveFileAndFolder engine;
+        EngineRun run(engine);
+        engine.benginToTraskWithArr(records);
+        const bool ended = run.waitForEnd();
+        qputenv("VELMORA_BIN_DIR", realBin);
+        if (!ended) return std::nullopt;
+        return run.results;
     }
 };
 
@@ -156,18 +171,12 @@ TEST_F(RemoveFileAndFolderTest, ImmutableFileIsReleasedAndErased) {
 
 TEST_F(RemoveFileAndFolderTest, MissingToolStillEndsTheRun) {
     QTemporaryDir emptyBin;
-    const QByteArray realBin = qgetenv("VELMORA_BIN_DIR");
-    qputenv("VELMORA_BIN_DIR", emptyBin.path().toUtf8());
     const QString path = scratch("data.txt");
     writeFile(path, "content");
-    RemoveFileAndFolder engine;
-    EngineRun run(engine);
-    engine.benginToTraskWithArr({fileRecord(path), fileRecord(path)});
-    const bool ended = run.waitForEnd();
-    qputenv("VELMORA_BIN_DIR", realBin);
-    ASSERT_TRUE(ended);
-    EXPECT_EQ(verdicts(run.results), (QStringList{"Fail", "Fail"}));
-    EXPECT_EQ(run.results.first().failReason, "the secure-remove tool could not be started");
+    const std::optional<FileObjList> results = runWithToolsIn(emptyBin.path(), {fileRecord(path), fileRecord(path)});
+    ASSERT_TRUE(results);
+    EXPECT_EQ(verdicts(*results), (QStringList{"Fail", "Fail"}));
+    EXPECT_EQ(results->first().failReason, "the secure-remove tool could not be started");
     EXPECT_TRUE(existsOnDisk(path));
 }
 
@@ -183,18 +192,12 @@ TEST_F(RemoveFileAndFolderTest, FileSwappedForALinkJustBeforeTheToolIsNotErased)
                "echo \"removed $last (symbolic link; its target is untouched)\"\n");
     tool.close();
     ASSERT_TRUE(tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    const QByteArray realBin = qgetenv("VELMORA_BIN_DIR");
-    qputenv("VELMORA_BIN_DIR", standInBin.path().toUtf8());
     const QString path = scratch("data.txt");
     writeFile(path, "content");
-    RemoveFileAndFolder engine;
-    EngineRun run(engine);
-    engine.benginToTraskWithArr({fileRecord(path)});
-    const bool ended = run.waitForEnd();
-    qputenv("VELMORA_BIN_DIR", realBin);
-    ASSERT_TRUE(ended);
-    EXPECT_EQ(verdicts(run.results), QStringList{"Fail"});
-    EXPECT_TRUE(run.results.first().failReason.contains("replaced by a link")) << run.results.first().failReason.toStdString();
+    const std::optional<FileObjList> results = runWithToolsIn(standInBin.path(), {fileRecord(path)});
+    ASSERT_TRUE(results);
+    EXPECT_EQ(verdicts(*results), QStringList{"Fail"});
+    EXPECT_TRUE(results->first().failReason.contains("replaced by a link")) << results->first().failReason.toStdString();
     EXPECT_TRUE(existsOnDisk(path + ".kept"));
 }
 

@@ -203,13 +203,8 @@ private slots:
     }
 
     void mountEventsWhileTheConfirmationIsOpenKeepTheChosenVolume() {
-        m_window->mouseClickAction(2);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
-        serveEventsFor(600);
-        clickRow(m_page, rowOfDevice(m_page, m_device));
-        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
-        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
-        QVERIFY(confirm && confirm->isVisible());
+        MakeSureWipeFreeSpaceViewController* confirm = openFreeSpaceConfirmation();
+        QVERIFY(confirm);
 
         // Another volume is mounted and the chosen one is remounted after it: the list
         // follows mount order, so the chosen volume's old row now holds another one.
@@ -349,13 +344,8 @@ private slots:
         QVERIFY(QFile::link(outside.path(), m_mountPoint + "/.Velmora"));
         const QStringList before = freeSpaceResults();
 
-        m_window->mouseClickAction(2);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
-        serveEventsFor(600);
-        clickRow(m_page, rowOfDevice(m_page, m_device));
-        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
-        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
-        QVERIFY(confirm && confirm->isVisible());
+        MakeSureWipeFreeSpaceViewController* confirm = openFreeSpaceConfirmation();
+        QVERIFY(confirm);
         QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
 
         QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 120000));
@@ -378,6 +368,19 @@ private slots:
     }
 
 private:
+    // Opens "Erase Free Space", chooses the test volume and clicks "Erase Now": the
+    // confirmation shown, or null when a step did not happen.
+    MakeSureWipeFreeSpaceViewController* openFreeSpaceConfirmation() {
+        m_window->mouseClickAction(2);
+        if (!waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }))
+            return nullptr;
+        serveEventsFor(600);
+        clickRow(m_page, rowOfDevice(m_page, m_device));
+        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
+        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
+        return confirm && confirm->isVisible() ? confirm : nullptr;
+    }
+
     // The results of the free-space wipes of the test volume in the history.
     static QStringList freeSpaceResults() {
         QStringList results;

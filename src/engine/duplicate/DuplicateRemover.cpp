@@ -4,13 +4,13 @@
 #include "engine/duplicate/PathNames.h"
 #include "engine/erase/KxAuthorization.h"
 #include "engine/erase/TreeRemoval.h"
+#include "srm/NoFollowPath.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
 #include <climits>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
@@ -115,18 +115,13 @@ struct BundleEntry {
 // Lists everything below the folder without following a link; false when
 // a folder cannot be read or lies on another file system.
 bool listBundle(int folderFd, dev_t device, const QByteArray& prefix, std::vector<BundleEntry>& out) {
-    const int listFd = dup(folderFd);
-    DIR* dir = listFd >= 0 ? fdopendir(listFd) : nullptr;
-    if (!dir) {
-        if (listFd >= 0) close(listFd);
-        return false;
-    }
-    rewinddir(dir);  // the copy shares its position with the folder's descriptor
+    int error = 0;
+    const std::vector<std::string> names = folderEntries(folderFd, error);
+    if (error != 0) return false;
     std::vector<QByteArray> folders;
     bool ok = true;
-    while (const dirent* entry = readdir(dir)) {
-        const QByteArray name(entry->d_name);
-        if (name == "." || name == "..") continue;
+    for (const std::string& entry : names) {
+        const QByteArray name = QByteArray::fromStdString(entry);
         struct stat st;
         if (fstatat(folderFd, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0 || st.st_dev != device) {
             ok = false;
@@ -145,7 +140,6 @@ bool listBundle(int folderFd, dev_t device, const QByteArray& prefix, std::vecto
             ok = false;  // a FIFO, socket or device is no part of an application to compare
         }
     }
-    closedir(dir);
     for (const QByteArray& name : folders) {
         const Descriptor sub(openRetrying(folderFd, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW));
         ok = ok && sub.valid() && listBundle(sub.get(), device, prefix + name + '/', out);
@@ -210,6 +204,32 @@ DuplicateRemover::Verdict verdict(DuplicateRemover::Outcome outcome, const QStri
     return {outcome, reason};
 }
 
+// Removes the checked file by its name in the checked folder. Where the folder is
+// not ours to change, the privileged removal is asked for the folder's own path,
+// free of links, and the copy counts as removed only when its name is gone.
+DuplicateRemover::Verdict unlinkFile(const OpenedCopy& opened) {
+    if (unlinkat(opened.folder.get(), opened.name.constData(), 0) == 0) return verdict(DuplicateRemover::Outcome::Removed, {});
+    const int error = errno;
+    const DuplicateRemover::Verdict failed{DuplicateRemover::Outcome::Failed, QString::fromLocal8Bit(strerror(error))};
+    if (error != EACCES && error != EPERM) return failed;
+    const QString folderPath = currentPathOf(opened.folder.get());
+    if (folderPath.isEmpty()) return failed;
+    KxAuthorization::removeItemAtPath(PathNames::appendComponent(folderPath, QFile::decodeName(opened.name)));
+    struct stat st;
+    if (fstatat(opened.folder.get(), opened.name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT)
+        return verdict(DuplicateRemover::Outcome::Removed, {});
+    return failed;
+}
+
+// Empties the checked bundle folder with a walk that follows no link, then removes it.
+DuplicateRemover::Verdict unlinkBundle(const OpenedCopy& opened, const QString& path) {
+    if (const QByteArray left = TreeRemoval::removeContents(opened.item.get(), QFile::encodeName(path)); !left.isEmpty())
+        return verdict(DuplicateRemover::Outcome::Failed, QString("partly removed: %1").arg(QString::fromLocal8Bit(left)));
+    if (unlinkat(opened.folder.get(), opened.name.constData(), AT_REMOVEDIR) != 0)
+        return verdict(DuplicateRemover::Outcome::Failed, QString::fromLocal8Bit(strerror(errno)));
+    return verdict(DuplicateRemover::Outcome::Removed, {});
+}
+
 }  // namespace
 
 QList<DuplicateRemover::Removal> DuplicateRemover::plan(const QList<SimpleTreeNode::Pointer>& selected) {
@@ -235,16 +255,16 @@ QList<DuplicateRemover::Removal> DuplicateRemover::plan(const QList<SimpleTreeNo
 }
 
 DuplicateRemover::Verdict DuplicateRemover::remove(const Removal& removal) {
-    const Verdict result = removal.isBundle ? removeBundle(removal) : removeFile(removal);
+    const Verdict result = removeChecked(removal);
     if (result.removed()) m_removed.insert(Inode(removal.copy.identity.device, removal.copy.identity.inode));
     else qCInfo(lcDuplicate, "left %s: %s", qUtf8Printable(removal.copy.path), qUtf8Printable(result.reason));
     return result;
 }
 
-DuplicateRemover::Verdict DuplicateRemover::removeFile(const Removal& removal) {
+DuplicateRemover::Verdict DuplicateRemover::removeChecked(const Removal& removal) {
     const Copy& copy = removal.copy;
     OpenedCopy opened;
-    if (!opened.open(copy, false)) return verdict(Outcome::CopyChanged, "it changed or moved after the search");
+    if (!opened.open(copy, removal.isBundle)) return verdict(Outcome::CopyChanged, "it changed or moved after the search");
     bool anyOther = false;
     for (const Copy& other : removal.others) {
         if (other.identity.isSameFile(copy.identity) ||
@@ -252,48 +272,14 @@ DuplicateRemover::Verdict DuplicateRemover::removeFile(const Removal& removal) {
             continue;
         anyOther = true;
         OpenedCopy kept;
-        if (!kept.open(other, false)) continue;
-        if (!sameBytes(opened.item.get(), kept.item.get(), copy.identity.size) || !opened.stillUnchanged(copy) ||
-            !kept.stillUnchanged(other))
-            return verdict(Outcome::CopyChanged, QString("it no longer equals %1").arg(other.path));
-        if (unlinkat(opened.folder.get(), opened.name.constData(), 0) == 0) return verdict(Outcome::Removed, {});
-        const int error = errno;
-        if (error != EACCES && error != EPERM) return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(error)));
-        // The folder is not ours to change: the privileged removal is asked
-        // for the checked folder's own path, free of links, and the copy
-        // counts as removed only when its name is gone from that folder.
-        const QString folderPath = currentPathOf(opened.folder.get());
-        if (folderPath.isEmpty()) return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(error)));
-        struct stat st;
-        KxAuthorization::removeItemAtPath(PathNames::appendComponent(folderPath, QFile::decodeName(opened.name)));
-        if (fstatat(opened.folder.get(), opened.name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT)
-            return verdict(Outcome::Removed, {});
-        return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(error)));
-    }
-    if (anyOther) return verdict(Outcome::KeptCopyChanged, "no other copy of it is left unchanged");
-    return verdict(Outcome::LastCopy, "it is the last copy left");
-}
-
-DuplicateRemover::Verdict DuplicateRemover::removeBundle(const Removal& removal) {
-    const Copy& copy = removal.copy;
-    OpenedCopy opened;
-    if (!opened.open(copy, true)) return verdict(Outcome::CopyChanged, "it changed or moved after the search");
-    bool anyOther = false;
-    for (const Copy& other : removal.others) {
-        if (other.identity.isSameFile(copy.identity) ||
-            m_removed.contains(Inode(other.identity.device, other.identity.inode)))
-            continue;
-        anyOther = true;
-        OpenedCopy kept;
-        if (!kept.open(other, true)) continue;
-        if (!sameBundleContent(opened.item.get(), kept.item.get()) || !opened.stillUnchanged(copy))
-            return verdict(Outcome::CopyChanged, QString("it no longer equals %1").arg(other.path));
-        if (const QByteArray left = TreeRemoval::removeContents(opened.item.get(), QFile::encodeName(copy.path));
-            !left.isEmpty())
-            return verdict(Outcome::Failed, QString("partly removed: %1").arg(QString::fromLocal8Bit(left)));
-        if (unlinkat(opened.folder.get(), opened.name.constData(), AT_REMOVEDIR) != 0)
-            return verdict(Outcome::Failed, QString::fromLocal8Bit(strerror(errno)));
-        return verdict(Outcome::Removed, {});
+        if (!kept.open(other, removal.isBundle)) continue;
+        const bool equal =
+            removal.isBundle
+                ? sameBundleContent(opened.item.get(), kept.item.get()) && opened.stillUnchanged(copy)
+                : sameBytes(opened.item.get(), kept.item.get(), copy.identity.size) && opened.stillUnchanged(copy) &&
+                      kept.stillUnchanged(other);
+        if (!equal) return verdict(Outcome::CopyChanged, QString("it no longer equals %1").arg(other.path));
+        return removal.isBundle ? unlinkBundle(opened, copy.path) : unlinkFile(opened);
     }
     if (anyOther) return verdict(Outcome::KeptCopyChanged, "no other copy of it is left unchanged");
     return verdict(Outcome::LastCopy, "it is the last copy left");

@@ -52,8 +52,8 @@ public:
 private:
     using Inode = QPair<quint64, quint64>;
 
-    Verdict removeFile(const Removal& removal);
-    Verdict removeBundle(const Removal& removal);
+    // The checks and the removal; remove() keeps the record.
+    Verdict removeChecked(const Removal& removal);
 
     QSet<Inode> m_removed;
 };

@@ -2,12 +2,12 @@
 
 #include "srm/NoFollowPath.h"
 
-#include <QList>
+#include <string>
+#include <vector>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,25 +22,6 @@ QByteArray failure(const QByteArray& path, const char* what, int error = 0) {
 }
 
 Identity identityOfStatus(const struct stat& status) { return {status.st_dev, status.st_ino}; }
-
-// The names in the folder, "." and ".." left out.
-bool listFolder(int folderFd, QList<QByteArray>* names) {
-    const int listingFd = dup(folderFd);
-    DIR* listing = listingFd >= 0 ? fdopendir(listingFd) : nullptr;
-    if (!listing) {
-        if (listingFd >= 0) close(listingFd);
-        return false;
-    }
-    rewinddir(listing);  // the copy shares its position with the folder's descriptor
-    errno = 0;
-    while (const dirent* entry = readdir(listing)) {
-        const QByteArray name(entry->d_name);
-        if (name != "." && name != "..") names->append(name);
-    }
-    const bool complete = errno == 0;
-    closedir(listing);
-    return complete;
-}
 
 QByteArray removeEntry(int folderFd, const QByteArray& name, const QByteArray& path, bool insideWalk,
                        const std::optional<Identity>& expected) {
@@ -61,7 +42,7 @@ QByteArray removeEntry(int folderFd, const QByteArray& name, const QByteArray& p
     if (fstat(fd, &opened) != 0 || identityOfStatus(opened) != identityOfStatus(seen))
         result = failure(path, "changed while being removed; left alone");
     else if (insideWalk && !onSameMount(folderFd, fd))
-        result = failure(path, "lies on another file system (a mount inside the folder); left alone");
+        result = failure(path, kOnAnotherMount);
     else
         result = removeContents(fd, path);
     close(fd);
@@ -73,10 +54,12 @@ QByteArray removeEntry(int folderFd, const QByteArray& name, const QByteArray& p
 }  // namespace
 
 QByteArray removeContents(int folderFd, const QByteArray& path) {
-    QList<QByteArray> names;
-    if (!listFolder(folderFd, &names)) return failure(path, "cannot list the folder", errno);
+    int error = 0;
+    const std::vector<std::string> names = folderEntries(folderFd, error);
+    if (error != 0) return failure(path, "cannot list the folder", error);
     QByteArray firstFailure;
-    for (const QByteArray& name : std::as_const(names)) {
+    for (const std::string& entry : names) {
+        const QByteArray name = QByteArray::fromStdString(entry);
         const QByteArray result = removeEntry(folderFd, name, path + "/" + name, true, std::nullopt);
         if (firstFailure.isEmpty()) firstFailure = result;
     }

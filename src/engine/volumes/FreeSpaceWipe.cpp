@@ -7,6 +7,7 @@
 #include "engine/volumes/Ext4Fill.h"
 #include "engine/volumes/FillFileWriter.h"
 #include "engine/volumes/FillFolder.h"
+#include "engine/volumes/VolumeIdentity.h"
 #include "engine/volumes/VolumeScanner.h"
 
 #include <QLocale>
@@ -246,6 +247,13 @@ void FreeSpaceWipe::showEndEraser() {
     if (succeeded && m_unreachableBytes > 0) endText += "\n" + unreachableText(m_unreachableBytes);
     emit eraserEnded(succeeded, endText, m_isCancelEraser);
     if (m_volumeScanner) m_volumeScanner->getallVolumes();
+}
+
+bool FreeSpaceWipe::pinSelectedVolume() {
+    QString identityError;
+    if (pinVolume(selectVolumeObj, &identityError)) return true;
+    failRun(QString("Nothing was wiped: %1.").arg(identityError));
+    return false;
 }
 
 void FreeSpaceWipe::failRun(const QString& reason) {

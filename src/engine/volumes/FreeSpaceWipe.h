@@ -90,6 +90,9 @@ public:
     // Ends a run that cannot go on as failed: the reason becomes the failure text
     // and the history records "Failed".
     void failRun(const QString& reason);
+    // Pins the confirmed free-space wipe's volume by its device and UUID, so the fill
+    // checks it is still that file system; when that fails, the run ends as failed.
+    bool pinSelectedVolume();
 
     bool isCancelEraser() const { return m_isCancelEraser; }
     int iRoundTimes() const { return m_iRoundTimes; }

@@ -5,7 +5,6 @@
 #include "engine/history/DoDataBase.h"
 #include "engine/platform/NotificationCenter.h"
 #include "engine/volumes/FreeSpaceWipe.h"
-#include "engine/volumes/VolumeIdentity.h"
 #include "engine/volumes/VolumeScanner.h"
 #include "engine/volumes/WatchMountUnmount.h"
 #include "engine/volumes/WholeDriveErase.h"
@@ -289,11 +288,7 @@ void WipeDiskViewController::confirmationCancelled() {
 }
 
 void WipeDiskViewController::makeSureToWipeFreeSpaceSelectVolume() {
-    QString identityError;
-    if (!pinVolume(m_wipe->selectVolumeObj, &identityError)) {
-        m_wipe->failRun(QString("Nothing was wiped: %1.").arg(identityError));
-        return;
-    }
+    if (!m_wipe->pinSelectedVolume()) return;
     m_runActive = true;
     lockSidebar(true);
     auto* panel = new WipeFreeSpaceProViewController(EraserLevel::displayName(FreeSpaceWipe::getEraserTimes()), this);
