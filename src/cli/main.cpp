@@ -10,6 +10,7 @@
 #include "cli/WipeFreeCommand.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PrivilegedHelper.h"
+#include "engine/platform/NativePath.h"
 
 #include <QCoreApplication>
 #include <functional>
@@ -47,7 +48,10 @@ int main(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setOrganizationName("Velmora");
     QCoreApplication::setApplicationName("Velmora Data Eraser");
-    QStringList args = app.arguments().mid(1);
+    // Operands are file names, which are bytes: taken from argv as they are, not through
+    // QCoreApplication::arguments(), which loses every byte that is not UTF-8.
+    QStringList args;
+    for (int i = 1; i < argc; ++i) args.append(velmora::pathFromNative(argv[i]));
     if (args.isEmpty() || args.first() == "--help" || args.first() == "-h") {
         printUsage();
         return args.isEmpty() ? 2 : 0;
