@@ -4,16 +4,10 @@
 #include "engine/volumes/DiskUtilLine.h"
 #include "engine/volumes/ShellRunners.h"
 
-#include <QMutex>
-
 namespace velmora {
 
 QVariantMap getDisjInfo(const char* name, DiskInfoScreen screen) {
     if (!name) return {};
-    // Each screen's runner writes one fixed file: a scan in the background and a
-    // query on the user-interface thread must not read each other's output.
-    static QMutex outputFileLocks[3];
-    QMutexLocker lock(&outputFileLocks[int(screen)]);
     const CommandLine query = diskUtilLine({"info", "-plist", QString::fromUtf8(name)});
     CommandResult result;
     switch (screen) {
@@ -22,7 +16,8 @@ QVariantMap getDisjInfo(const char* name, DiskInfoScreen screen) {
     case DiskInfoScreen::RepairDisk: result = aepairExecCommand(query); break;
     }
     if (!result.succeeded()) return {};
-    const QVariant info = propertyListFromFile(result.outputPath);
+    // From the result, not the file: the runner's next run may replace that at once.
+    const QVariant info = propertyListFromData(result.output);
     return info.typeId() == QMetaType::QVariantMap ? info.toMap() : QVariantMap{};
 }
 

@@ -54,7 +54,7 @@ private:
         QString message;
         QString volumeName;
     };
-    void run(Action action, const std::function<Outcome()>& work);
+    void run(Action action, const QString& volumeName, const std::function<Outcome()>& work);
     void refuse(Action action, const QString& message, const QString& volumeName);
 
     QFutureWatcher<Outcome> m_watcher;

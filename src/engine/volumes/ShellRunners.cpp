@@ -1,9 +1,11 @@
 #include "engine/volumes/ShellRunners.h"
 
+#include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 #include "engine/platform/WriteAll.h"
 
-#include <QFile>
+#include <QHash>
+#include <QMutex>
 #include <QProcess>
 #include <cerrno>
 #include <cstring>
@@ -17,24 +19,35 @@ namespace {
 // is removed first, and O_EXCL|O_NOFOLLOW refuse one that appears in between.
 int createOutputFile(const QByteArray& path, QString* failure) {
     if (::unlink(path.constData()) != 0 && errno != ENOENT) {
-        *failure = QString("cannot remove the old output file %1: %2").arg(QFile::decodeName(path), std::strerror(errno));
+        *failure = QString("cannot remove the old output file %1: %2").arg(pathFromNative(path), std::strerror(errno));
         return -1;
     }
     const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (fd < 0) *failure = QString("cannot create the output file %1: %2").arg(QFile::decodeName(path), std::strerror(errno));
+    if (fd < 0) *failure = QString("cannot create the output file %1: %2").arg(pathFromNative(path), std::strerror(errno));
     return fd;
+}
+
+// One lock per output file name.
+QMutex& outputFileLock(const char* outputFileName) {
+    static QMutex guard;
+    static QHash<QByteArray, QMutex*> locks;
+    QMutexLocker lock(&guard);
+    QMutex*& fileLock = locks[outputFileName];
+    if (!fileLock) fileLock = new QMutex;
+    return *fileLock;
 }
 
 CommandResult runWithOutputFile(const CommandLine& command, const char* outputFileName) {
     CommandResult result;
     if (command.program.isEmpty()) return result;
+    QMutexLocker lock(&outputFileLock(outputFileName));
     const QString folder = StandardPaths::tempDir();
     if (folder.isEmpty()) {
         result.failure = "no private temporary folder for the output of " + command.program;
         return result;
     }
     result.outputPath = folder + "/" + outputFileName;
-    const int fd = createOutputFile(QFile::encodeName(result.outputPath), &result.failure);
+    const int fd = createOutputFile(nativePath(result.outputPath), &result.failure);
     if (fd < 0) return result;
 
     QProcess child;
@@ -51,7 +64,8 @@ CommandResult runWithOutputFile(const CommandLine& command, const char* outputFi
     child.waitForFinished(-1);
     result.exitedNormally = child.exitStatus() == QProcess::NormalExit;
     result.exitCode = result.exitedNormally ? child.exitCode() : -1;
-    const bool written = writeAll(fd, child.readAllStandardOutput()) == 0;
+    result.output = child.readAllStandardOutput();
+    const bool written = writeAll(fd, result.output) == 0;
     ::close(fd);
     const QString errorText = QString::fromUtf8(child.readAllStandardError()).trimmed();
     if (!result.exitedNormally)

@@ -15,6 +15,7 @@ struct CommandLine {
 // How a runner's child ended and where its standard output is.
 struct CommandResult {
     QString outputPath;        // the runner's output file; empty when the command was null
+    QByteArray output;         // the child's standard output, as written to the file
     bool started = false;      // the child ran
     bool exitedNormally = false;
     int exitCode = -1;
@@ -27,6 +28,8 @@ struct CommandResult {
 // creates it afresh (exclusively, owner-only, never through a link), runs the
 // program as a child with the arguments, waits, and writes the child's standard
 // output into the file. An empty program runs nothing and gives an empty path.
+// One runner runs one child at a time, so two threads never replace each
+// other's file; read the output from the result, which no later run changes.
 CommandResult execCommand(const CommandLine& command);        // "SteadyWiperTemp.plist"
 CommandResult eraserDiskCommand(const CommandLine& command);  // "eraserVolumeTemp.plist"
 CommandResult eraserExecCommand(const CommandLine& command);  // "eraserVolumeTemp.plist"
