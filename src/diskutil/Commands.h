@@ -10,6 +10,7 @@ namespace velmora::diskutil {
 
 void infoCommand(const std::vector<std::string>& args);         // -plist TARGET
 void listCommand(const std::vector<std::string>& args);         // -plist
+void listFilesystemsCommand(const std::vector<std::string>& args);  // -plist
 void renameCommand(const std::vector<std::string>& args);       // TARGET NAME
 void ejectCommand(const std::vector<std::string>& args);        // TARGET
 void eraseVolumeCommand(const std::vector<std::string>& args);  // FORMAT NAME DEVICE

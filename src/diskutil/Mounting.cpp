@@ -4,6 +4,7 @@
 #include "diskutil/DiskUtilError.h"
 #include "diskutil/FileSystemFormat.h"
 #include "diskutil/MountTable.h"
+#include "diskutil/ProcessUsers.h"
 #include "diskutil/Program.h"
 #include "diskutil/Volume.h"
 
@@ -111,8 +112,13 @@ void unmountDevice(const BlockDevice& device) {
     const std::vector<MountEntry> mounts = mountsOf(device, readMountTable());
     for (auto mount = mounts.rbegin(); mount != mounts.rend(); ++mount) {
         if (umount2(mount->mountPoint.c_str(), 0) != 0) {
-            throw DiskUtilError("Could not unmount " + device.node + " from " + mount->mountPoint + ": "
-                                + std::strerror(errno));
+            const int error = errno;
+            std::string reason = std::strerror(error);
+            if (error == EBUSY) {
+                const std::string users = describeUsers(processesUsing(mount->majorMinor));
+                reason = "the volume is in use" + (users.empty() ? std::string() : " by " + users);
+            }
+            throw DiskUtilError("Could not unmount " + device.node + " from " + mount->mountPoint + ": " + reason);
         }
     }
 }

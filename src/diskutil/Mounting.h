@@ -27,7 +27,8 @@ struct RemountPlan {
 
 RemountPlan planRemount(const Volume& volume);
 
-// Unmounts every mount of the device, newest first.
+// Unmounts every mount of the device, newest first. A busy mount ends it with an error
+// that names the processes using the volume.
 void unmountDevice(const BlockDevice& device);
 
 // Mounts the device's file system at parentFolder/NAME ("NAME 1", "NAME 2", ... when

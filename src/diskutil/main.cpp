@@ -11,8 +11,8 @@ using namespace velmora::diskutil;
 namespace {
 
 const char* const usage =
-    "Usage: velmora-diskutil info -plist TARGET | list -plist | rename TARGET NAME | eject TARGET"
-    " | eraseVolume FORMAT NAME DEVICE | reformat DEVICE";
+    "Usage: velmora-diskutil info -plist TARGET | list -plist | listFilesystems -plist | rename TARGET NAME"
+    " | eject TARGET | eraseVolume FORMAT NAME DEVICE | reformat DEVICE";
 
 // On failure the error dictionary goes to standard output, where the application reads
 // the tool's property lists, and the message to standard error.
@@ -28,6 +28,7 @@ int fail(const std::string& message) {
 int main(int argc, char** argv) {
     const std::map<std::string, std::function<void(const std::vector<std::string>&)>> commands = {
         {"info", infoCommand},       {"list", listCommand},
+        {"listFilesystems", listFilesystemsCommand},
         {"rename", renameCommand},   {"eject", ejectCommand},
         {"eraseVolume", eraseVolumeCommand}, {"reformat", reformatCommand},
     };
