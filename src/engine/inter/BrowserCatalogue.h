@@ -5,7 +5,7 @@
 #include <QFuture>
 #include <QObject>
 #include <QStringList>
-#include <QVariantMap>
+#include <functional>
 
 namespace velmora {
 
@@ -27,7 +27,8 @@ public:
     bool isScanning() const { return m_scan.isRunning(); }
 
     // The background part, callable on its own (the CLI).
-    static BrowserArr scan();
+    // `found` is called with each browser's name as it is found.
+    static BrowserArr scan(const std::function<void(const QString&)>& found = {});
 
     // macOS layout: the user, local and network Applications folders, then the local
     // developer-applications folder.
@@ -39,9 +40,6 @@ public:
     static void getSubArrWithKey(const QString& key, BrowerObj& browser);
     // The shown value of one category, by its browser's rules.
     static QString sizeTextOf(const BrowerObj& category);
-    // The catalogue of the current layout: browser key -> [category name, path format]
-    // pairs in the resource's own order.
-    static QList<QPair<QString, QList<QPair<QString, QString>>>> eraserHistory();
     // The category icon name of a category name ("icon_history"...), "" for others.
     static QString getIconWithKey(const QString& categoryName);
 
@@ -50,6 +48,8 @@ signals:
     void browserArrReady(const velmora::BrowserArr& browserArr);
 
 private:
+    static void linuxBrowsers(BrowserArr& browserArr);
+
     QFuture<BrowserArr> m_scan;
 };
 

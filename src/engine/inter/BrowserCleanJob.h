@@ -44,7 +44,7 @@ public:
     // The whole run on the calling thread (the CLI), entries updated at the end.
     static QList<CleanOutcome> cleanNow(const BrowserArr& browserArr, CleanOptions options = {});
     // Applies the outcomes to the entries: each category unticked with its new text,
-    // each browser that was cleaned unticked.
+    // and every browser unticked (the run took all ticked ones).
     static void applyOutcomes(const BrowserArr& browserArr, const QList<CleanOutcome>& outcomes);
 
 signals:

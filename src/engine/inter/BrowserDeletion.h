@@ -10,6 +10,7 @@ struct CategoryTask {
     QString categoryName;
     BrowserRules rules = BrowserRules::None;
     QString urlStr;
+    QString size;  // the text shown before, which some categories keep
     BrowerObj* category = nullptr;
 };
 

@@ -15,6 +15,7 @@ public:
     int getAuthorization();  // 1 and 2 pass through, anything else becomes 0
     // The folder that made the last status 1 ("" otherwise).
     QString unreadableFolder() const { return m_unreadableFolder; }
+    QString unreadableReason() const { return m_unreadableReason; }  // the system's reason
     // Whether the panel is shown instead of going on: macOS from 10.14 when the
     // status is not 2; Linux when a profile folder cannot be read.
     bool needsPanel();
@@ -30,6 +31,7 @@ private:
     int linuxStatus();
 
     QString m_unreadableFolder;
+    QString m_unreadableReason;
 };
 
 }  // namespace velmora

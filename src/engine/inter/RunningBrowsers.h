@@ -14,11 +14,13 @@ struct RunningBrowser {
 
 namespace RunningBrowsers {
 
-// The current user's processes that belong to the given browsers (all of them, or the
-// ticked ones only, as before cleaning). macOS layout: the application names of the
-// Part (a name containing "Safari", or "Google Chrome", "Opera", "Firefox"); Linux:
-// a process whose executable (/proc/PID/exe) or comm matches a program of the entry.
-QList<RunningBrowser> checkOpenBrower(const BrowserArr& browserArr, bool tickedOnly);
+// Before scanning: the current user's processes of every browser known to the platform.
+// macOS layout: an application whose name contains "Safari" or is "Google Chrome",
+// "Opera" or "Firefox"; Linux: a process whose executable (/proc/PID/exe) or comm
+// matches a program of the catalogue.
+QList<RunningBrowser> checkOpenBrower();
+// Before cleaning: the processes of the ticked browser entries (each entry's programs).
+QList<RunningBrowser> checkOpenBrower(const BrowserArr& browserArr);
 // The names joined with ",", as the close dialog shows them.
 QString joinedNames(const QList<RunningBrowser>& running);
 // Ends each process with "/bin/kill PID" (an argument list, no shell). False with the

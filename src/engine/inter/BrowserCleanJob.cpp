@@ -1,0 +1,75 @@
+#include "engine/inter/BrowserCleanJob.h"
+
+#include "engine/inter/BrowserDeletion.h"
+
+#include <QFutureWatcher>
+#include <QPointer>
+#include <QtConcurrent>
+
+namespace velmora {
+namespace {
+
+using Task = BrowserDeletion::CategoryTask;
+
+// The ticked categories of the browsers that are ticked or partly ticked, in catalogue order.
+QList<Task> tasksOf(const BrowserArr& browserArr) {
+    QList<Task> tasks;
+    for (const BrowerObjPtr& browser : browserArr) {
+        if (browser->isSelect == 0) continue;
+        for (const BrowerObjPtr& category : browser->chrArr)
+            if (category->isSelect == 1)
+                tasks.append({browser->name, category->name, browser->rules, category->urlStr, category->size, category.get()});
+    }
+    return tasks;
+}
+
+using Progress = std::function<void(int, int, const QString&, const QString&)>;
+
+QList<CleanOutcome> run(const QList<Task>& tasks, const CleanOptions& options, const Progress& progress) {
+    QList<CleanOutcome> outcomes;
+    for (qsizetype i = 0; i < tasks.size(); ++i) {
+        if (progress) progress(int(i), int(tasks.size()), tasks[i].browserName, tasks[i].categoryName);
+        outcomes.append(BrowserDeletion::deleteCategory(tasks[i], options));
+    }
+    return outcomes;
+}
+
+}  // namespace
+
+BrowserCleanJob::BrowserCleanJob(QObject* parent) : QObject(parent) {}
+
+BrowserCleanJob::~BrowserCleanJob() { m_run.waitForFinished(); }
+
+void BrowserCleanJob::cleanBrowerFiles(const BrowserArr& browserArr, CleanOptions options) {
+    if (m_run.isRunning()) return;
+    QPointer<BrowserCleanJob> self(this);
+    const Progress progress = [self](int done, int total, const QString& browser, const QString& category) {
+        QMetaObject::invokeMethod(
+            self, [=] { if (self) emit self->progress(done, total, browser, category); }, Qt::QueuedConnection);
+    };
+    m_run = QtConcurrent::run(run, tasksOf(browserArr), options, progress);
+    auto* watcher = new QFutureWatcher<QList<CleanOutcome>>(this);
+    connect(watcher, &QFutureWatcher<QList<CleanOutcome>>::finished, this, [this, watcher, browserArr] {
+        watcher->deleteLater();
+        const QList<CleanOutcome> outcomes = m_run.result();
+        applyOutcomes(browserArr, outcomes);
+        emit finished(outcomes);
+    });
+    watcher->setFuture(m_run);
+}
+
+QList<CleanOutcome> BrowserCleanJob::cleanNow(const BrowserArr& browserArr, CleanOptions options) {
+    const QList<CleanOutcome> outcomes = run(tasksOf(browserArr), options, {});
+    applyOutcomes(browserArr, outcomes);
+    return outcomes;
+}
+
+void BrowserCleanJob::applyOutcomes(const BrowserArr& browserArr, const QList<CleanOutcome>& outcomes) {
+    for (const CleanOutcome& outcome : outcomes) {
+        outcome.category->isSelect = 0;
+        outcome.category->size = outcome.sizeAfter;
+    }
+    for (const BrowerObjPtr& browser : browserArr) browser->isSelect = 0;
+}
+
+}  // namespace velmora
