@@ -10,13 +10,15 @@ namespace velmora {
 
 namespace {
 
+char lineEnd = '\n';
+
 // A pipe that polls writable takes up to PIPE_BUF bytes at once without blocking, so
 // longer lines (deep paths) are shortened to that.
 void writeIfRoom(int fd, std::string text)
 {
     if (text.size() > PIPE_BUF) {
         text.resize(PIPE_BUF - 1);
-        text += '\n';
+        text += lineEnd;
     }
     pollfd ready{fd, POLLOUT, 0};
     if (poll(&ready, 1, 0) != 1 || (ready.revents & POLLOUT) == 0)
@@ -34,14 +36,19 @@ void writeIfRoom(int fd, std::string text)
 
 } // namespace
 
+void endLinesWithNul()
+{
+    lineEnd = '\0';
+}
+
 void printProgress(const std::string& line)
 {
-    writeIfRoom(STDOUT_FILENO, line + "\n");
+    writeIfRoom(STDOUT_FILENO, line + lineEnd);
 }
 
 void printProblem(const std::string& path, const std::string& reason)
 {
-    writeIfRoom(STDERR_FILENO, "srm: " + path + ": " + reason + "\n");
+    writeIfRoom(STDERR_FILENO, "srm: " + path + ": " + reason + lineEnd);
 }
 
 } // namespace velmora

@@ -48,8 +48,9 @@ int openFolderNoFollow(const std::string& path)
     how.flags = kFolderFlags;
     how.resolve = RESOLVE_NO_SYMLINKS;
     const long fd = syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how);
-    // Older kernels lack the call, and some sandboxes refuse it.
-    if (fd >= 0 || (errno != ENOSYS && errno != EPERM))
+    // Older kernels lack the call, and some sandboxes refuse it; a path longer than the
+    // system's limit is opened one component at a time.
+    if (fd >= 0 || (errno != ENOSYS && errno != EPERM && errno != ENAMETOOLONG))
         return static_cast<int>(fd);
 #endif
     return openComponentByComponent(path);

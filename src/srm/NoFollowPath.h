@@ -7,7 +7,8 @@ namespace velmora {
 
 // Opens the folder at `path` for reading without following a symbolic link in any of
 // its components (openat2 with RESOLVE_NO_SYMLINKS where the kernel has it, else one
-// component at a time with O_NOFOLLOW). A link on the way fails with ELOOP or ENOTDIR.
+// component at a time with O_NOFOLLOW, also for paths longer than PATH_MAX). A link on
+// the way fails with ELOOP or ENOTDIR.
 // Returns -1 with errno set on failure.
 int openFolderNoFollow(const std::string& path);
 

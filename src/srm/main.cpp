@@ -28,9 +28,15 @@ int main(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);
 
     std::string error;
-    const std::optional<velmora::Options> options = velmora::parseOptions(argc, argv, error);
+    std::optional<velmora::Options> options = velmora::parseOptions(argc, argv, error);
     if (!options) {
         std::fprintf(stderr, "srm: %s\n%s", error.c_str(), velmora::kUsage);
+        return 2;
+    }
+    if (options->nulTerminatedOutput)
+        velmora::endLinesWithNul();
+    if (!options->pathsFrom.empty() && !velmora::readPathsFrom(*options, error)) {
+        velmora::printProblem(options->pathsFrom, error);
         return 2;
     }
     try {

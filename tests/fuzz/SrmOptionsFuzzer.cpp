@@ -29,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         fuzzCheck(!error.empty(), "a refused command line says why");
         return 0;
     }
-    fuzzCheck(!options->paths.empty(), "a run has something to remove");
+    // Paths read from a file come later; then there is no operand.
+    fuzzCheck(!options->paths.empty() != !options->pathsFrom.empty(), "a run has its paths from one source");
     // The paths are the operands, in their order: everything after "--", and before it
     // every argument that is not an option word.
     std::vector<std::string> operands;

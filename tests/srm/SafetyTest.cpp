@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -169,6 +171,49 @@ TEST(SrmSafety, ExitStatusTellsMissingFilesFoldersWithoutRecursionAndBadUsage)
     EXPECT_EQ(readFile(dir / "kept"), "data");
     EXPECT_EQ(runSrm({"-fsvrz", dir.path() + "/."}).status, 1) << "'.' must be refused";
     EXPECT_TRUE(exists(dir.path()));
+}
+
+// The application hands paths over as NUL-terminated bytes on standard input: names that
+// are not UTF-8, hold a line break or start with a dash, and a path longer than PATH_MAX.
+// With -0 every output line ends with NUL, so a line break in a name splits no line.
+TEST(SrmSafety, PathsFromStandardInputArriveAsTheirBytes)
+{
+    TempDir dir;
+    const std::vector<std::string> names = {"bad\xff\xfename", "two\nlines", "-dash", std::string(255, 'n')};
+    std::string input;
+    for (const std::string& name : names) {
+        writeFile(dir / name, "data");
+        input += dir / name + '\0';
+    }
+    const std::string deepFile = makeDeepFolders(dir.path(), 40, std::string(120, 'd')) + "/deep";
+    ASSERT_GT(deepFile.size(), std::size_t(PATH_MAX));
+    writeFile(deepFile, "deep data");
+    input += deepFile;  // the last path may lack its NUL
+
+    ProcessOptions options;
+    options.input = input;
+    const ProcessResult run = runSrm({"-fsvrz0", "--files0-from=-"}, options);
+    EXPECT_EQ(run.status, 0) << run.err;
+    for (const std::string& name : names)
+        EXPECT_FALSE(exists(dir / name)) << name;
+    EXPECT_FALSE(exists(deepFile));
+    EXPECT_NE(run.out.find('\0' + ("removed " + dir / "two\nlines") + '\0'), std::string::npos) << run.out;
+    EXPECT_EQ(run.out.back(), '\0');
+    std::size_t lineBreaks = 0;
+    for (std::size_t at = run.out.find('\n'); at != std::string::npos; at = run.out.find('\n', at + 1))
+        lineBreaks += run.out.compare(at, 6, "\nlines") == 0 ? 0 : 1;
+    EXPECT_EQ(lineBreaks, 0u) << "a line break outside the name";
+
+    // A problem line ends with NUL too; an empty path or no path at all is bad usage.
+    options.input = dir / "gone" + '\0';
+    const ProcessResult missing = runSrm({"-svrz0", "--files0-from=-"}, options);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err.back(), '\0') << missing.err;
+    options.input = dir / "x" + std::string(2, '\0') + dir / "y";
+    EXPECT_EQ(runSrm({"-fsvrz", "--files0-from=-"}, options).status, 2);
+    options.input.clear();
+    EXPECT_EQ(runSrm({"-fsvrz", "--files0-from=-"}).status, 2);
+    EXPECT_EQ(runSrm({"-fsvrz", "--files0-from=-", dir / "x"}).status, 2);
 }
 
 TEST(SrmSafety, WriteProtectedFileNeedsForce)

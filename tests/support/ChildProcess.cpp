@@ -46,6 +46,20 @@ std::vector<char*> cStrings(const std::vector<std::string>& strings)
     return pointers;
 }
 
+// A file holding the text, read from its start, for a child's standard input.
+int makeInputFile(const std::string& text)
+{
+    const int fd = makeCaptureFile();
+    for (std::size_t written = 0; written < text.size();) {
+        const ssize_t count = write(fd, text.data() + written, text.size() - written);
+        if (count <= 0)
+            throw std::runtime_error("cannot write the input file");
+        written += static_cast<std::size_t>(count);
+    }
+    lseek(fd, 0, SEEK_SET);
+    return fd;
+}
+
 pid_t spawn(const std::vector<std::string>& argv, const ProcessOptions& options, int outFd, int errFd)
 {
     std::vector<char*> arguments = cStrings(argv);
@@ -55,13 +69,15 @@ pid_t spawn(const std::vector<std::string>& argv, const ProcessOptions& options,
     environment.insert(environment.end(), options.environment.begin(), options.environment.end());
     std::vector<char*> environmentPointers = cStrings(environment);
     const bool dropPrivileges = options.unprivileged && geteuid() == 0;
+    const int inputFd = options.input.empty() ? open("/dev/null", O_RDONLY | O_CLOEXEC) : makeInputFile(options.input);
 
     const pid_t pid = fork();
-    if (pid != 0)
+    if (pid != 0) {
+        close(inputFd);
         return pid;
+    }
     // Child: only async-signal-safe calls from here on.
-    const int devNull = open("/dev/null", O_RDONLY);
-    dup2(devNull, STDIN_FILENO);
+    dup2(inputFd, STDIN_FILENO);
     dup2(outFd, STDOUT_FILENO);
     dup2(errFd, STDERR_FILENO);
     if (dropPrivileges && (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0))

@@ -11,6 +11,7 @@ struct ProcessOptions {
     std::vector<std::string> environment; // "NAME=value" added to ours
     bool unprivileged = false;            // when root, run as nobody
     int outputFd = -1;                    // stdout and stderr go here instead of being captured
+    std::string input;                    // the child's standard input (else /dev/null)
     int timeoutSeconds = 120;
 };
 
