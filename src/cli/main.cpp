@@ -1,6 +1,7 @@
 // velmora-cli: the application's tools for scripts and terminals, on the same
 // engine and the same history as the desktop application.
 #include "cli/HistoryCommand.h"
+#include "cli/CopyCommand.h"
 #include "cli/DupesCommand.h"
 #include "cli/EraseCommand.h"
 #include "cli/EraseDriveCommand.h"
@@ -32,6 +33,7 @@ const Command kCommands[] = {
     {"volumes", "volumes [--json]                 list the mounted volumes", velmora::cli::runVolumesCommand},
     {"wipe-free", "wipe-free [--yes] VOLUME         overwrite the free space of a volume (name, mount point or device)", velmora::cli::runWipeFreeCommand},
     {"erase-drive", "erase-drive [--yes] VOLUME       reformat a volume and overwrite all of it", velmora::cli::runEraseDriveCommand},
+    {"copy", "copy [--yes] [--verify] [--json] SOURCE DEST [--only PATH...]   copy a volume or folder (or the items picked under it) into a dated folder VLclone(...) on another", velmora::cli::runCopyCommand},
     {"history", "history [--type WipeFile|WipeVolume] [--json] | delete KEY | clear [--yes] | export KEY FILE   the erasure history", velmora::cli::runHistoryCommand},
 };
 
