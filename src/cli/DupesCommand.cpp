@@ -4,13 +4,17 @@
 #include "engine/duplicate/DuplicateFilesOpt.h"
 #include "engine/duplicate/DuplicateResults.h"
 #include "engine/duplicate/DuplicateRemover.h"
+#include "engine/platform/NativePath.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <cerrno>
 #include <chrono>
+#include <climits>
+#include <fcntl.h>
 #include <future>
+#include <unistd.h>
 
 namespace velmora::cli {
 
@@ -31,7 +35,7 @@ SearchResult search(const QString& folder, bool hidden, bool system) {
     {
         ProgressBar bar("Searching");
         while (searched.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready)
-            bar.update(finder.getProgress(), finder.getCurrentSearchFile());
+            bar.update(finder.getProgress(), displayPath(finder.getCurrentSearchFile()));
         bar.update(100);
     }
     searched.get();
@@ -45,7 +49,7 @@ SearchResult search(const QString& folder, bool hidden, bool system) {
 // What could not be read may have copies the search could not see.
 void reportUnreadable(const QStringList& unreadable) {
     if (unreadable.isEmpty()) return;
-    for (const QString& path : unreadable) printErr(QString("velmora-cli: could not read \"%1\"").arg(printable(path)));
+    for (const QString& path : unreadable) printErr(QString("velmora-cli: could not read \"%1\"").arg(escapedPath(path)));
     printErr(QString("%1 %2 could not be read and %3 not compared")
                  .arg(unreadable.size())
                  .arg(unreadable.size() == 1 ? "item" : "items", unreadable.size() == 1 ? "was" : "were"));
@@ -59,11 +63,11 @@ void printGroups(const SimpleTreeNode& tree) {
         const QString kind = data.extendName == "APP" ? " (application)" : "";
         // One pass of arg(): a name holding "%1" is not taken for a place of the next value.
         printOut(QString("\n%1%2: %3 copies, %4 bytes")
-                     .arg(printable(data.name), kind, QString::number(group->children().size()),
+                     .arg(escapedPath(data.name), kind, QString::number(group->children().size()),
                           QString::number(data.fileSize)));
         const QList<SimpleTreeNode::Pointer>& leaves = group->children();
         for (qsizetype i = 0; i < leaves.size(); ++i)
-            printOut(QString("  %1%2").arg(printable(leaves[i]->data().name), i + 1 == leaves.size() ? "  (kept)" : ""));
+            printOut(QString("  %1%2").arg(escapedPath(leaves[i]->data().name), i + 1 == leaves.size() ? "  (kept)" : ""));
     }
 }
 
@@ -71,8 +75,8 @@ void printGroupsJson(const SimpleTreeNode& tree) {
     QJsonArray groups;
     for (const SimpleTreeNode::Pointer& group : tree.children()) {
         QJsonArray files;
-        for (const SimpleTreeNode::Pointer& leaf : group->children()) files.append(leaf->data().name);
-        groups.append(QJsonObject{{"name", group->data().name},
+        for (const SimpleTreeNode::Pointer& leaf : group->children()) files.append(escapedPath(leaf->data().name));
+        groups.append(QJsonObject{{"name", escapedPath(group->data().name)},
                                   {"size", double(group->data().fileSize)},
                                   {"files", files}});
     }
@@ -96,9 +100,9 @@ int removeCopies(const SimpleTreeNode::Pointer& tree, bool json) {
         for (qsizetype i = 0; i < selected.size(); ++i) {
             const SimpleTreeNode::Pointer& leaf = selected[i];
             const DuplicateRemover::Verdict verdict = remover.remove(removals[i]);
-            bar.update(double(i + 1) * 100 / selected.size(), leaf->data().name);
+            bar.update(double(i + 1) * 100 / selected.size(), displayPath(leaf->data().name));
             if (!verdict.removed()) {
-                leftReasons.append(QString("velmora-cli: left \"%1\": %2").arg(printable(leaf->data().name), printable(verdict.reason)));
+                leftReasons.append(QString("velmora-cli: left \"%1\": %2").arg(escapedPath(leaf->data().name), printable(verdict.reason)));
                 refusedByTheSystem = refusedByTheSystem || verdict.outcome == DuplicateRemover::Outcome::Failed;
                 continue;
             }
@@ -116,6 +120,16 @@ int removeCopies(const SimpleTreeNode::Pointer& tree, bool json) {
     return left > 0 ? 1 : 0;
 }
 
+// The operand as an absolute path, its bytes kept (Qt's file classes would lose
+// those that are not text).
+QString absoluteFolder(const QString& operand) {
+    if (operand.startsWith('/')) return QDir::cleanPath(operand);
+    QByteArray current(PATH_MAX, Qt::Uninitialized);
+    if (!getcwd(current.data(), size_t(current.size()))) return QDir::cleanPath(operand);
+    current.truncate(qstrlen(current.constData()));
+    return QDir::cleanPath(pathFromNative(current) + '/' + operand);
+}
+
 }  // namespace
 
 int runDupesCommand(QStringList args) {
@@ -128,13 +142,16 @@ int runDupesCommand(QStringList args) {
         printErr(kUsage);
         return 2;
     }
-    const QString folder = QDir::cleanPath(QFileInfo(args.first()).absoluteFilePath());
-    if (!QFileInfo(folder).isDir()) {
-        printErr(QString("velmora-cli: \"%1\" is not a folder").arg(printable(args.first())));
+    const QString folder = absoluteFolder(args.first());
+    const int fd = openLongPath(nativePath(folder), O_RDONLY | O_DIRECTORY);
+    const int error = errno;
+    if (fd >= 0) close(fd);
+    if (fd < 0 && error != EACCES) {
+        printErr(QString("velmora-cli: \"%1\" is not a folder").arg(escapedPath(args.first())));
         return 2;
     }
-    if (!QFileInfo(folder).isReadable()) {
-        printErr(QString("velmora-cli: cannot read \"%1\"").arg(printable(folder)));
+    if (fd < 0) {
+        printErr(QString("velmora-cli: cannot read \"%1\"").arg(escapedPath(folder)));
         return 1;
     }
 

@@ -4,10 +4,9 @@
 #include "engine/duplicate/PathNames.h"
 #include "engine/erase/KxAuthorization.h"
 #include "engine/erase/TreeRemoval.h"
+#include "engine/platform/NativePath.h"
 #include "srm/NoFollowPath.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -58,11 +57,10 @@ struct OpenedCopy {
     QByteArray name;
 
     bool open(const DuplicateRemover::Copy& copy, bool isFolder) {
-        const QFileInfo info(copy.path);
-        name = QFile::encodeName(info.fileName());
         // The folder may be reached through the link the user chose to
-        // search; what counts is that it is the very folder listed.
-        folder = Descriptor(openRetrying(AT_FDCWD, QFile::encodeName(info.path()).constData(), O_RDONLY | O_DIRECTORY));
+        // search; what counts is that it is the very folder listed. Paths of
+        // any length are opened folder by folder.
+        folder = Descriptor(openContainingFolder(nativePath(copy.path), name));
         struct stat st;
         if (!folder.valid() || fstat(folder.get(), &st) != 0 || !copy.identity.isFolderOf(st)) return false;
         item = Descriptor(openRetrying(folder.get(), name.constData(),
@@ -193,10 +191,15 @@ bool sameBundleContent(int copyFd, int keptFd) {
 QString currentPathOf(int folderFd) {
 #if defined(__APPLE__)
     char path[PATH_MAX];
-    if (fcntl(folderFd, F_GETPATH, path) == 0) return QFile::decodeName(path);
+    if (fcntl(folderFd, F_GETPATH, path) == 0) return pathFromNative(path);
     return {};
 #else
-    return QFileInfo(QString("/proc/self/fd/%1").arg(folderFd)).symLinkTarget();
+    QByteArray path(2 * PATH_MAX, Qt::Uninitialized);
+    const ssize_t n = readlink(QByteArray("/proc/self/fd/" + QByteArray::number(folderFd)).constData(), path.data(),
+                               size_t(path.size()));
+    if (n <= 0 || n >= path.size()) return {};
+    path.truncate(n);
+    return pathFromNative(path);
 #endif
 }
 
@@ -214,7 +217,7 @@ DuplicateRemover::Verdict unlinkFile(const OpenedCopy& opened) {
     if (error != EACCES && error != EPERM) return failed;
     const QString folderPath = currentPathOf(opened.folder.get());
     if (folderPath.isEmpty()) return failed;
-    KxAuthorization::removeItemAtPath(PathNames::appendComponent(folderPath, QFile::decodeName(opened.name)));
+    KxAuthorization::removeItemAtPath(PathNames::appendComponent(folderPath, pathFromNative(opened.name)));
     struct stat st;
     if (fstatat(opened.folder.get(), opened.name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT)
         return verdict(DuplicateRemover::Outcome::Removed, {});
@@ -223,8 +226,8 @@ DuplicateRemover::Verdict unlinkFile(const OpenedCopy& opened) {
 
 // Empties the checked bundle folder with a walk that follows no link, then removes it.
 DuplicateRemover::Verdict unlinkBundle(const OpenedCopy& opened, const QString& path) {
-    if (const QByteArray left = TreeRemoval::removeContents(opened.item.get(), QFile::encodeName(path)); !left.isEmpty())
-        return verdict(DuplicateRemover::Outcome::Failed, QString("partly removed: %1").arg(QString::fromLocal8Bit(left)));
+    if (const QByteArray left = TreeRemoval::removeContents(opened.item.get(), nativePath(path)); !left.isEmpty())
+        return verdict(DuplicateRemover::Outcome::Failed, QString("partly removed: %1").arg(displayPath(pathFromNative(left))));
     if (unlinkat(opened.folder.get(), opened.name.constData(), AT_REMOVEDIR) != 0)
         return verdict(DuplicateRemover::Outcome::Failed, QString::fromLocal8Bit(strerror(errno)));
     return verdict(DuplicateRemover::Outcome::Removed, {});
@@ -278,7 +281,7 @@ DuplicateRemover::Verdict DuplicateRemover::removeChecked(const Removal& removal
                 ? sameBundleContent(opened.item.get(), kept.item.get()) && opened.stillUnchanged(copy)
                 : sameBytes(opened.item.get(), kept.item.get(), copy.identity.size) && opened.stillUnchanged(copy) &&
                       kept.stillUnchanged(other);
-        if (!equal) return verdict(Outcome::CopyChanged, QString("it no longer equals %1").arg(other.path));
+        if (!equal) return verdict(Outcome::CopyChanged, QString("it no longer equals %1").arg(displayPath(other.path)));
         return removal.isBundle ? unlinkBundle(opened, copy.path) : unlinkFile(opened);
     }
     if (anyOther) return verdict(Outcome::KeptCopyChanged, "no other copy of it is left unchanged");

@@ -3,36 +3,42 @@
 #include "engine/duplicate/FingerprintKey.h"
 #include "engine/duplicate/FingerprintPool.h"
 #include "engine/duplicate/PathNames.h"
+#include "engine/platform/NativePath.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <algorithm>
 #include <numeric>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace velmora {
 
 namespace {
 
-// Adds every non-folder entry below `folder` (links are not followed).
-void listFilesBelow(const QString& folder, AppAttrbItem& bundle) {
-    DIR* dir = opendir(QFile::encodeName(folder).constData());
-    if (!dir) return;
+// Adds every non-folder entry below the open folder `fd` (taken over), whose
+// path is `folder`; subfolders are opened relative to it and links are not
+// followed.
+void listFilesBelow(int fd, const QString& folder, AppAttrbItem& bundle) {
+    DIR* dir = fdopendir(fd);
+    if (!dir) {
+        close(fd);
+        return;
+    }
     while (const dirent* entry = readdir(dir)) {
         const char* name = entry->d_name;
         if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))) continue;
         struct stat st;
         if (fstatat(dirfd(dir), name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
-        const QString path = PathNames::appendComponent(folder, QFile::decodeName(name));
+        const QString path = PathNames::appendComponent(folder, pathFromNative(name));
         if (S_ISDIR(st.st_mode)) {
-            listFilesBelow(path, bundle);
+            const int sub = openat(dirfd(dir), name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+            if (sub >= 0) listFilesBelow(sub, path, bundle);
             continue;
         }
         fileAttrbItem item;
         item.filePathName = path;
-        item.fileName = QFile::decodeName(name);
+        item.fileName = pathFromNative(name);
         item.fileSize = quint64(st.st_size);
         bundle.DirectorySize += item.fileSize;
         bundle.AllFileInDirectory.append(std::move(item));
@@ -62,13 +68,19 @@ QList<qsizetype> membersOfSharedClasses(const QList<QList<qsizetype>>& classes) 
 }  // namespace
 
 bool FindDuplicateApp::getAllFilePathName(AppAttrbItem& bundle) {
+    QByteArray name;
+    const int folder = openContainingFolder(nativePath(bundle.DirectoryPathName), name);
+    if (folder < 0) return false;
+    const int fd = openat(folder, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     struct stat st, parent;
-    const QString folder = QFileInfo(bundle.DirectoryPathName).path();
-    if (lstat(QFile::encodeName(bundle.DirectoryPathName).constData(), &st) != 0 || !S_ISDIR(st.st_mode) ||
-        lstat(QFile::encodeName(folder).constData(), &parent) != 0)
+    const bool opened = fd >= 0 && fstat(fd, &st) == 0 && fstat(folder, &parent) == 0;
+    close(folder);
+    if (!opened) {
+        if (fd >= 0) close(fd);
         return false;
+    }
     bundle.identity = FileIdentity::of(st, parent);
-    listFilesBelow(bundle.DirectoryPathName, bundle);
+    listFilesBelow(fd, bundle.DirectoryPathName, bundle);
     return true;
 }
 

@@ -3,8 +3,8 @@
 #include "engine/duplicate/DuplicateLog.h"
 #include "engine/duplicate/PageCacheGuard.h"
 #include "engine/duplicate/crc.h"
+#include "engine/platform/NativePath.h"
 
-#include <QFile>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -16,15 +16,14 @@ namespace velmora {
 
 namespace {
 
-// Opens without following a link and without waiting on what is no regular
-// file. A process short of descriptors (other threads hold some for a
+// Opens without following a link (in the last component) and without waiting
+// on what is no regular file, at any path length. A process short of descriptors (other threads hold some for a
 // moment) tries again for a while rather than calling the file unreadable.
 int openForReading(const QString& path) {
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = nativePath(path);
     int fd = -1;
     for (int attempt = 0; attempt < 200; ++attempt) {
-        do fd = open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-        while (fd < 0 && errno == EINTR);
+        fd = openLongPath(name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
         if (fd >= 0 || (errno != EMFILE && errno != ENFILE)) break;
         usleep(10000);
     }

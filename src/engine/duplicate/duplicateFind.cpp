@@ -3,14 +3,15 @@
 #include "engine/duplicate/DuplicateLog.h"
 #include "engine/duplicate/FingerprintKey.h"
 #include "engine/duplicate/FingerprintPool.h"
+#include "engine/platform/NativePath.h"
 
-#include <QFile>
 #include <QScopeGuard>
 #include <QSet>
 #include <algorithm>
 #include <numeric>
 #include <vector>
-#include <sys/stat.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace velmora {
 
@@ -21,8 +22,11 @@ namespace {
 enum class Stage : quint8 { Unread, FirstBlock, Distinct, Whole, Failed };
 
 bool isFolder(const QString& path) {
-    struct stat st;
-    return !path.isEmpty() && stat(QFile::encodeName(path).constData(), &st) == 0 && S_ISDIR(st.st_mode);
+    if (path.isEmpty()) return false;
+    const int fd = openLongPath(nativePath(path), O_PATH | O_DIRECTORY);
+    if (fd < 0) return false;
+    close(fd);
+    return true;
 }
 
 }  // namespace

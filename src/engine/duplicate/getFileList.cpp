@@ -1,9 +1,10 @@
 #include "engine/duplicate/getFileList.h"
 
+#include "engine/duplicate/DescriptorBudget.h"
 #include "engine/duplicate/DuplicateLog.h"
 #include "engine/duplicate/PathNames.h"
+#include "engine/platform/NativePath.h"
 
-#include <QFile>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -20,11 +21,22 @@ bool isDotOrDotDot(const char* name) {
     return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
 }
 
-int openFolder(const QString& path, int extraFlags) {
+int openFolderAt(int folderFd, const char* name) {
     int fd;
-    do fd = open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | extraFlags);
+    do fd = openat(folderFd, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     while (fd < 0 && errno == EINTR);
     return fd;
+}
+
+// The open folder is what `seen` describes; otherwise it is closed (ESTALE).
+int keepIfSame(int fd, const struct stat& seen) {
+    struct stat st;
+    if (fd >= 0 && fstat(fd, &st) == 0 && st.st_dev == seen.st_dev && st.st_ino == seen.st_ino) return fd;
+    if (fd >= 0) {
+        close(fd);
+        errno = ESTALE;  // replaced since it was listed
+    }
+    return -1;
 }
 
 const char* const kSystemDirectories[] = {"Library", "Developer", "System", "Volumes", "bin", "sbin"};
@@ -62,7 +74,7 @@ bool getFileList::getListAtPath(const QString& path, QList<fileAttrbItem>& fileA
 bool getFileList::getDirectoryAtPath(const QString& path, QList<Entry>& resultArray) {
     if (path.isEmpty()) return false;
     // The chosen folder itself is opened as chosen, through a link or not.
-    const int fd = openFolder(path, 0);
+    int fd = openLongPath(nativePath(path), O_RDONLY | O_DIRECTORY);
     struct stat st;
     if (fd < 0 || fstat(fd, &st) != 0) {
         qCInfo(lcDuplicate, "get contents Of Directory At Path failed%s: %s", qUtf8Printable(path), strerror(errno));
@@ -74,39 +86,42 @@ bool getFileList::getDirectoryAtPath(const QString& path, QList<Entry>& resultAr
     m_seenFolders = {Inode(st.st_dev, st.st_ino)};
     m_unreadableFolders.clear();
     m_pseudoFileSystems = PseudoFileSystems::mountedNow();
-    if (m_pseudoFileSystems.contains(st.st_dev)) {
-        close(fd);
-        return true;
-    }
-    listFolder(fd, path, true, resultArray);
+    // Half of what is free now, so the reading threads that follow find theirs.
+    m_heldFolderLimit = int(qBound<qsizetype>(1, DescriptorBudget::availableNow() / 2, qsizetype(kMaxHeldFolders)));
+    if (!m_pseudoFileSystems.contains(st.st_dev)) listFolder(fd, st, path, true, 0, resultArray);
+    if (fd >= 0) close(fd);
     return true;
 }
 
-int getFileList::openSeenFolder(const QString& path, const struct stat& seen) {
-    const int fd = openFolder(path, O_NOFOLLOW);
-    struct stat st;
-    if (fd >= 0 && fstat(fd, &st) == 0 && st.st_dev == seen.st_dev && st.st_ino == seen.st_ino) return fd;
-    if (fd >= 0) {
-        close(fd);
-        errno = ESTALE;  // replaced since it was listed
-    }
-    return -1;
+int getFileList::openSeenFolder(int folderFd, const char* name, const struct stat& seen) {
+    return keepIfSame(openFolderAt(folderFd, name), seen);
 }
 
-// The folder is read whole and closed before its subfolders are entered, so
-// the walk holds one descriptor at any depth; a subfolder is opened again by
-// its path, without following a link, and entered only if it is still the
-// folder that was listed.
-bool getFileList::listFolder(int fd, const QString& folder, bool topLevel, QList<Entry>& out) {
-    struct stat folderStat;
-    DIR* dir = fstat(fd, &folderStat) == 0 ? fdopendir(fd) : nullptr;
+int getFileList::openParentAgain(int childFd, const struct stat& folderStat) {
+    return keepIfSame(openFolderAt(childFd, ".."), folderStat);
+}
+
+void getFileList::reportUnreadable(const QString& folder) {
+    qCInfo(lcDuplicate, "get contents Of Directory At Path failed%s: %s", qUtf8Printable(folder), strerror(errno));
+    m_unreadableFolders.append(folder);
+}
+
+// The folder is read whole before its subfolders are entered, each opened by
+// name relative to it without following a link and entered only if it is
+// still the folder that was listed. No full path is handed to the system, so
+// depth is no limit; the descriptors held are one per level up to the
+// held-folder limit and two below it.
+bool getFileList::listFolder(int& fd, const struct stat& folderStat, const QString& folder, bool topLevel, int depth,
+                             QList<Entry>& out) {
+    const int listingFd = dup(fd);
+    DIR* dir = listingFd >= 0 ? fdopendir(listingFd) : nullptr;
     if (!dir) {
-        close(fd);
+        if (listingFd >= 0) close(listingFd);
         return false;
     }
     m_CurrentPath.set(folder);
     struct Child {
-        QString path;
+        QByteArray name;
         struct stat st;
     };
     std::vector<Child> children;
@@ -116,38 +131,55 @@ bool getFileList::listFolder(int fd, const QString& folder, bool topLevel, QList
         if (fstatat(dirfd(dir), entry->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
         // Links lead elsewhere; FIFOs, sockets and devices are no files to compare.
         if (!S_ISDIR(st.st_mode) && !S_ISREG(st.st_mode)) continue;
-        children.push_back({PathNames::appendComponent(folder, QFile::decodeName(entry->d_name)), st});
+        children.push_back({QByteArray(entry->d_name), st});
     }
     closedir(dir);
 
     for (const Child& child : children) {
         if (stopped()) return false;
-        const Entry entry{child.path, S_ISDIR(child.st.st_mode), quint64(child.st.st_size),
+        const QString childPath = PathNames::appendComponent(folder, pathFromNative(child.name));
+        const Entry entry{childPath, S_ISDIR(child.st.st_mode), quint64(child.st.st_size),
                           FileIdentity::of(child.st, folderStat)};
         if (!entry.isDirectory) {
             out.append(entry);
             continue;
         }
         if (topLevel) {
-            if (!m_bSearchHiddenFile && IsHiddenFile(child.path)) continue;
-            if (m_rootPath == "/" && !m_bSearchSystemDirectory && IsSystemDirectory(child.path)) continue;
-            if (m_rootPath == "/" && PseudoFileSystems::isSkippedBelowRoot(child.path)) continue;
+            if (!m_bSearchHiddenFile && IsHiddenFile(childPath)) continue;
+            if (m_rootPath == "/" && !m_bSearchSystemDirectory && IsSystemDirectory(childPath)) continue;
+            if (m_rootPath == "/" && PseudoFileSystems::isSkippedBelowRoot(childPath)) continue;
         }
         // A folder met again through a bind mount, or a pseudo file system, is not entered.
         if (m_pseudoFileSystems.contains(child.st.st_dev)) continue;
         if (m_seenFolders.contains(Inode(child.st.st_dev, child.st.st_ino))) continue;
         m_seenFolders.insert(Inode(child.st.st_dev, child.st.st_ino));
-        const int childFd = openSeenFolder(child.path, child.st);
-        QList<Entry> below;
-        if (childFd < 0 || !listFolder(childFd, child.path, false, below)) {
-            if (stopped()) return false;
-            qCInfo(lcDuplicate, "get contents Of Directory At Path failed%s: %s", qUtf8Printable(child.path),
-                   strerror(errno));
-            m_unreadableFolders.append(child.path);
+        int childFd = openSeenFolder(fd, child.name.constData(), child.st);
+        if (childFd < 0) {
+            reportUnreadable(childPath);
             continue;
         }
-        out.append(below);
-        if (!topLevel) out.append(entry);
+        const bool letGo = depth + 1 >= m_heldFolderLimit;
+        if (letGo) {
+            close(fd);
+            fd = -1;
+        }
+        QList<Entry> below;
+        const bool listed = listFolder(childFd, child.st, childPath, false, depth + 1, below);
+        if (letGo && childFd >= 0) fd = openParentAgain(childFd, folderStat);
+        if (childFd >= 0) close(childFd);
+        if (listed) {
+            out.append(below);
+            if (!topLevel) out.append(entry);
+        } else if (stopped()) {
+            return false;
+        } else {
+            reportUnreadable(childPath);
+        }
+        if (fd < 0) {
+            // Moved while a subfolder was listed: the rest of it cannot be reached safely.
+            reportUnreadable(folder);
+            return true;
+        }
     }
     return true;
 }

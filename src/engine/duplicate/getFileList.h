@@ -18,7 +18,9 @@ namespace velmora {
 // Symbolic links are never followed (only the chosen folder itself may be
 // reached through one); each file and each folder is listed once, however
 // many paths (hard links, bind mounts) lead to it; pseudo file systems are
-// not entered. Runs on the search thread; stopSearch() and currentPath() may
+// not entered. The walk goes relative to folder descriptors, so trees deeper
+// than PATH_MAX are searched, and holds a bounded number of them open; what it
+// cannot enter is reported in unreadableFolders(). Runs on the search thread; stopSearch() and currentPath() may
 // be called from any thread.
 class getFileList {
 public:
@@ -63,13 +65,24 @@ public:
 
 private:
     using Inode = QPair<quint64, quint64>;  // device, inode
+    // At most this many folders stay open along the walk's path, however deep.
+    static constexpr int kMaxHeldFolders = 256;
 
-    // Lists the open folder `fd` (taking it over): below the top level each
-    // folder comes after its contents. False when stopped or unreadable.
-    bool listFolder(int fd, const QString& folder, bool topLevel, QList<Entry>& out);
-    // Opens a folder seen while listing its parent, without following a
-    // link, and only if it is still the folder seen.
-    int openSeenFolder(const QString& path, const struct stat& seen);
+    // Lists the open folder `fd` (the folder `folderStat` describes): below the
+    // top level each folder comes after its contents. Subfolders are opened
+    // relative to `fd`; deeper than the held-folder limit, `fd` is let go while
+    // a subfolder is listed and found again through that subfolder's "..", so
+    // `fd` may be another descriptor (or -1) on return. False when stopped or
+    // unreadable.
+    bool listFolder(int& fd, const struct stat& folderStat, const QString& folder, bool topLevel, int depth,
+                    QList<Entry>& out);
+    // Opens the subfolder `name` of the open folder, without following a
+    // link, and only if it is still the folder seen while listing.
+    static int openSeenFolder(int folderFd, const char* name, const struct stat& seen);
+    // Opens the folder again through its open subfolder's "..", only if it
+    // is still the folder `folderStat` describes.
+    static int openParentAgain(int childFd, const struct stat& folderStat);
+    void reportUnreadable(const QString& folder);
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
 
     std::atomic<bool> m_stop{false};
@@ -80,6 +93,7 @@ private:
     PseudoFileSystems m_pseudoFileSystems;
     QStringList m_unreadableFolders;
     QString m_rootPath;
+    int m_heldFolderLimit = kMaxHeldFolders;
 };
 
 }  // namespace velmora
