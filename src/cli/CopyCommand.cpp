@@ -222,6 +222,8 @@ int runCopyCommand(QStringList args) {
                      .arg(logic.errorText(), sizeText(logic.neededSize()), sizeText(logic.freeSize())));
         return 1;
     }
+    if (logic.freeSize() == DiskCopyLogic::kUnknownSize)
+        printErr("velmora-cli: the destination does not report its free space, so it cannot be checked first");
     const QString what = only.isEmpty() ? QString("all files of %1").arg(escapedPath(source->volumePath))
                                         : QString("%1 picked item(s) of %2").arg(only.size()).arg(escapedPath(source->volumePath));
     if (!yes && !confirm(QString("Copy %1 (%2) into a new folder VLclone(...) in %3?")

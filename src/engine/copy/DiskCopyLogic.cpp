@@ -35,7 +35,10 @@ void DiskCopyLogic::doSelectDiskWithVolume(const VolumeObj& volume, bool asSourc
         m_copyArr.clear();
         m_copyArrPrepared = false;
         m_copyType = CopyType::CopyAllFiles;
-        m_usedSize = quint64(qMax<qint64>(0, volume.volumeTotalSizeNum - volume.volumeFreeSizeNum));
+        // A file system that reports no size (some FUSE drivers) leaves the size unknown.
+        m_usedSize = volume.volumeTotalSizeNum > 0
+                         ? quint64(qMax<qint64>(0, volume.volumeTotalSizeNum - volume.volumeFreeSizeNum))
+                         : kUnknownSize;
         if (m_toVolume && (m_toVolume->volumePath == volume.volumePath || destinationInsideSource(volume, *m_toVolume))) {
             const bool same = m_toVolume->volumePath == volume.volumePath;
             m_fromeVolume.reset();
@@ -56,7 +59,7 @@ void DiskCopyLogic::doSelectDiskWithVolume(const VolumeObj& volume, bool asSourc
             emit stateChanged();
             return;
         }
-        m_freeSize = quint64(qMax<qint64>(0, volume.volumeFreeSizeNum));
+        m_freeSize = volume.volumeTotalSizeNum > 0 ? quint64(qMax<qint64>(0, volume.volumeFreeSizeNum)) : kUnknownSize;
     }
     changeSelectCopyType();
 }
@@ -89,6 +92,10 @@ void DiskCopyLogic::changeSelectCopyType() {
             m_copyButtonEnabled = true;
             m_destinationIconDisabled = false;
         }
+    } else {
+        // Without both sizes there is nothing to weigh: a copy that runs out of room fails
+        // item by item and says so.
+        m_copyButtonEnabled = m_fromeVolume && m_toVolume;
     }
     emit stateChanged();
 }
@@ -100,11 +107,6 @@ void DiskCopyLogic::setCopyType(CopyType type) {
         m_copyArr.clear();
         m_copyArrPrepared = false;
     }
-    changeSelectCopyType();
-}
-
-void DiskCopyLogic::setUsedSize(quint64 bytes) {
-    m_usedSize = bytes;
     changeSelectCopyType();
 }
 

@@ -39,8 +39,6 @@ public:
     // The space check: the copy button is enabled only when the needed size fits.
     void changeSelectCopyType();
     void setCopyType(CopyType type);
-    // The source's used size when it is not the volume's (a folder as the source).
-    void setUsedSize(quint64 bytes);
     // The items picked in "Copy Some Files" and their size (the picking tree's top level).
     void setPickedFiles(const FileNodeList& arr, quint64 selectedSize);
 

@@ -7,6 +7,7 @@
 #include "srm/NoFollowPath.h"
 
 #include <QString>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -164,8 +165,19 @@ int TreeCopier::copyContents(int in, int out, const struct stat& status) {
         if (const int error = copyRange(in, out, data, end - data); error != 0) return error;
         offset = end;
     }
-    // A hole at the end is made by the size alone.
-    if (ftruncate(out, size) != 0) return errno;
+    // A hole at the end is made by the size alone, or written as zeros where the file
+    // system cannot set a size (some FUSE drivers).
+    struct stat written {};
+    if (fstat(out, &written) != 0) return errno;
+    if (written.st_size >= size || ftruncate(out, size) == 0) return 0;
+    if (m_buffer.empty()) m_buffer.resize(kBufferSize);
+    std::fill(m_buffer.begin(), m_buffer.end(), '\0');
+    for (off_t at = written.st_size; at < size;) {
+        const size_t chunk = size_t(qMin<off_t>(size - at, off_t(m_buffer.size())));
+        if (lseek(out, at, SEEK_SET) < 0) return errno;
+        if (const int error = writeAll(out, m_buffer.data(), qsizetype(chunk)); error != 0) return error;
+        at += off_t(chunk);
+    }
     return 0;
 }
 
