@@ -1,6 +1,7 @@
 // velmora-cli: the application's tools for scripts and terminals, on the same
 // engine and the same history as the desktop application.
 #include "cli/HistoryCommand.h"
+#include "cli/BrowsersCommand.h"
 #include "cli/CopyCommand.h"
 #include "cli/DupesCommand.h"
 #include "cli/EraseCommand.h"
@@ -35,6 +36,8 @@ const Command kCommands[] = {
     {"erase-drive", "erase-drive [--yes] VOLUME       reformat a volume and overwrite all of it", velmora::cli::runEraseDriveCommand},
     {"copy", "copy [--yes] [--verify] [--json] SOURCE DEST [--only PATH...]   copy a volume or folder (or the items picked under it) into a dated folder VLclone(...) on another", velmora::cli::runCopyCommand},
     {"history", "history [--type WipeFile|WipeVolume] [--json] | delete KEY | clear [--yes] | export KEY FILE   the erasure history", velmora::cli::runHistoryCommand},
+    {"browsers", "browsers [--json]                list the installed browsers and what each keeps", velmora::cli::runBrowsersCommand},
+    {"clean-browsers", "clean-browsers [--yes] [--thorough] [--close] [BROWSER[/CATEGORY]...]   clean browsing data (default: the ticked categories)", velmora::cli::runCleanBrowsersCommand},
 };
 
 void printUsage() {

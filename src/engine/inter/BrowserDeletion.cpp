@@ -23,6 +23,11 @@ bool isRegularFile(const QString& path) {
     return ::lstat(nativePath(path).constData(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
+bool isNonEmptyFile(const QString& path) {
+    struct stat info;
+    return ::lstat(nativePath(path).constData(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0;
+}
+
 // Collects the work on one category: what failed, and the text shown when all went well.
 class Work {
 public:
@@ -43,10 +48,10 @@ public:
             if (name.contains(part)) remove(prefix + name);
     }
 
-    // The Part's open-and-delete. A database that was not there held nothing: the open
-    // creates it and the failing statements are logged, and the category is skipped.
+    // Open and delete. A database that was not there (or is an empty file) held nothing:
+    // the open creates it, the failing statements are logged, and the category is skipped.
     void database(const QString& path, DatabaseDelete operation) {
-        const bool existed = isRegularFile(path);
+        const bool existed = isNonEmptyFile(path);
         ToGetDB& db = ToGetDB::returnToGetDB();
         const bool done = (db.*operation)(path);
         if (!existed) {

@@ -73,14 +73,17 @@ bool ToGetDB::compactDatabase(const QString& path) {
                                   "PRAGMA wal_checkpoint(TRUNCATE)"}) {
         sqlite3_stmt* prepared = nullptr;
         int status = sqlite3_prepare_v2(db, statement, -1, &prepared, nullptr);
-        while (status == SQLITE_OK && (status = sqlite3_step(prepared)) == SQLITE_ROW) {
-            // wal_checkpoint answers (busy, log frames, checkpointed frames); busy means
-            // a reader kept part of the log.
-            if (sqlite3_column_count(prepared) == 3 && sqlite3_column_int(prepared, 0) != 0) status = SQLITE_BUSY;
+        bool busy = false;
+        if (status == SQLITE_OK) {
+            while ((status = sqlite3_step(prepared)) == SQLITE_ROW) {
+                // wal_checkpoint answers (busy, log frames, checkpointed frames); busy
+                // means a reader kept part of the log.
+                if (sqlite3_column_count(prepared) == 3 && sqlite3_column_int(prepared, 0) != 0) busy = true;
+            }
         }
         sqlite3_finalize(prepared);
-        if (status != SQLITE_DONE && status != SQLITE_OK) {
-            m_lastError = QString("%1: %2").arg(statement, status == SQLITE_BUSY ? "the database is in use" : sqlite3_errmsg(db));
+        if (status != SQLITE_DONE || busy) {
+            m_lastError = QString("%1: %2").arg(statement, busy ? "the database is in use" : sqlite3_errmsg(db));
             break;
         }
     }
