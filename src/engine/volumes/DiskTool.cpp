@@ -12,26 +12,30 @@
 namespace velmora {
 namespace {
 
+// The error dictionary the disk utility ends its output with (an erase prints its
+// progress lines before it); empty when there is none.
+QVariantMap errorDictionaryIn(const QByteArray& output) {
+    const qsizetype start = output.lastIndexOf("<?xml");
+    if (start < 0) return {};
+    const QVariantMap dictionary = propertyListFromData(output.mid(start)).toMap();
+    return dictionary.contains("Error") ? dictionary : QVariantMap{};
+}
+
 // Why a disk-utility command did not succeed: the message of its error dictionary
 // (or its standard error), with pkexec's own refusals told apart.
 QString failureOf(const CommandLine& command, const CommandResult& result) {
     if (!result.started) return result.failure;
     if (!result.exitedNormally) return "the disk utility was killed";
-    const QVariantMap error = propertyListFromData(result.output).toMap();
-    const QString message = error.value("ErrorMessage").toString();
-    if (result.exitCode == 0) return message.isEmpty() ? result.failure : message;
+    const QString message = errorDictionaryIn(result.output).value("ErrorMessage").toString();
+    if (result.exitCode == 0) return message.isEmpty() ? QString("the disk utility reported an error") : message;
     return diskUtilFailure(command, result.exitCode, message.isEmpty() ? result.failure : message);
-}
-
-bool reportsError(const CommandResult& result) {
-    return propertyListFromData(result.output).toMap().contains("Error");
 }
 
 // The command, run with administrator rights by the runner; empty when it succeeded.
 QString runDiskUtil(const QStringList& arguments, CommandResult (*runner)(const CommandLine&)) {
     const CommandLine command = asAdministrator(diskUtilLine(arguments));
     const CommandResult result = runner(command);
-    if (result.succeeded() && !reportsError(result)) return {};
+    if (result.succeeded() && errorDictionaryIn(result.output).isEmpty()) return {};
     return failureOf(command, result);
 }
 
@@ -164,7 +168,7 @@ void DiskTool::run(Action action, const QString& volumeName, const std::function
 }
 
 void DiskTool::refuse(Action action, const QString& message, const QString& volumeName) {
-    qWarning("%s", qPrintable(message));
+    qInfo("%s", qPrintable(message));
     QMetaObject::invokeMethod(
         this, [this, action, message, volumeName] { emit finished(action, false, message, volumeName); },
         Qt::QueuedConnection);

@@ -56,7 +56,7 @@ VolumeNameCheck nameForRename(const QString& fileSystem, const QString& name) {
         break;
     }
     case NameFamily::ExFat: check.error = lengthProblem("an exFAT", name.size(), 15, "characters (UTF-16 units)"); break;
-    case NameFamily::Ext: check.error = lengthProblem("an ext", name.toUtf8().size(), 16, "bytes (UTF-8)"); break;
+    case NameFamily::Ext: check.error = lengthProblem("an " + fileSystem, name.toUtf8().size(), 16, "bytes (UTF-8)"); break;
     case NameFamily::Hfs: check.error = lengthProblem("an HFS+", name.size(), 255, "characters (UTF-16 units)"); break;
     case NameFamily::Apfs: check.error = lengthProblem("an APFS", name.size(), 255, "characters (UTF-16 units)"); break;
     case NameFamily::Ntfs: check.error = lengthProblem("an NTFS", name.size(), 128, "characters (UTF-16 units)"); break;
