@@ -131,10 +131,11 @@ BrowserCatalogue::~BrowserCatalogue() { m_scan.waitForFinished(); }
 
 void BrowserCatalogue::getBrowserArr() {
     if (m_scan.isRunning()) return;
-    QPointer<BrowserCatalogue> self(this);
-    m_scan = QtConcurrent::run([self] {
-        return scan([self](const QString& name) {
-            if (self) QMetaObject::invokeMethod(self, [self, name] { if (self) emit self->scanProgress(name); }, Qt::QueuedConnection);
+    // The destructor waits for the scan, so the scan may post to this object; a posted
+    // call is dropped when the object is gone by then.
+    m_scan = QtConcurrent::run([this] {
+        return scan([this](const QString& name) {
+            QMetaObject::invokeMethod(this, [this, name] { emit scanProgress(name); }, Qt::QueuedConnection);
         });
     });
     auto* watcher = new QFutureWatcher<BrowserArr>(this);

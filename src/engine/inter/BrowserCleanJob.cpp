@@ -3,7 +3,6 @@
 #include "engine/inter/BrowserDeletion.h"
 
 #include <QFutureWatcher>
-#include <QPointer>
 #include <QtConcurrent>
 
 namespace velmora {
@@ -42,10 +41,9 @@ BrowserCleanJob::~BrowserCleanJob() { m_run.waitForFinished(); }
 
 void BrowserCleanJob::cleanBrowerFiles(const BrowserArr& browserArr, CleanOptions options) {
     if (m_run.isRunning()) return;
-    QPointer<BrowserCleanJob> self(this);
-    const Progress progress = [self](int done, int total, const QString& browser, const QString& category) {
-        QMetaObject::invokeMethod(
-            self, [=] { if (self) emit self->progress(done, total, browser, category); }, Qt::QueuedConnection);
+    // The destructor waits for the run, so the run may post to this object.
+    const Progress progress = [this](int done, int total, const QString& browser, const QString& category) {
+        QMetaObject::invokeMethod(this, [=, this] { emit this->progress(done, total, browser, category); }, Qt::QueuedConnection);
     };
     m_run = QtConcurrent::run(run, tasksOf(browserArr), options, progress);
     auto* watcher = new QFutureWatcher<QList<CleanOutcome>>(this);

@@ -28,7 +28,8 @@ bool isNonEmptyFile(const QString& path) {
     return ::lstat(nativePath(path).constData(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0;
 }
 
-// Collects the work on one category: what failed, and the text shown when all went well.
+// Collects the work on one category: what failed, whether there was anything to clean,
+// and the text shown when all went well.
 class Work {
 public:
     Work(const CategoryTask& task, const CleanOptions& options) : m_task(task), m_options(options) {}
@@ -58,6 +59,7 @@ public:
             m_skipped = QString("no database at %1").arg(displayPath(path));
             return;
         }
+        m_foundAny = true;
         if (!done) {
             m_failures.append(QString("%1: %2").arg(displayPath(path), db.lastError()));
             return;
@@ -74,9 +76,9 @@ public:
             outcome.status = Status::Failed;
             outcome.reason = m_failures.join("; ");
             outcome.sizeAfter = currentValue();
-        } else if (!m_skipped.isEmpty()) {
+        } else if (!m_skipped.isEmpty() || !m_foundAny) {
             outcome.status = Status::Skipped;
-            outcome.reason = m_skipped;
+            outcome.reason = m_skipped.isEmpty() ? QString("nothing to clean") : m_skipped;
         }
         return outcome;
     }
@@ -85,6 +87,7 @@ private:
     void removeOne(const QString& path) {
         QString failure;
         if (!exists(path)) return;
+        m_foundAny = true;
         if (BrowserFiles::deleteFileWithPath(path, &failure))
             qInfo("---%s", qPrintable(displayPath(path)));
         else
@@ -106,6 +109,7 @@ private:
     const CleanOptions& m_options;
     QStringList m_failures;
     QString m_skipped;
+    bool m_foundAny = false;  // whether the category held anything at all
 };
 
 const QString kNoBytes = "0 byte";

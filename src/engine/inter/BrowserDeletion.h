@@ -15,8 +15,8 @@ struct CategoryTask {
 };
 
 // The per-browser deletion of one category. Cleaned only when the deletion is verified
-// (every statement done and the table empty, or the files gone); Skipped when there is
-// nothing the category could name (no Firefox profile); else Failed with the reason.
+// (every statement done and the table empty, or the files gone); Skipped when the category
+// held nothing (no Firefox profile, no database, no file); else Failed with the reason.
 CleanOutcome deleteGoogleWithBrower(const CategoryTask& task, const CleanOptions& options);
 CleanOutcome deleteFirefoxWithBrower(const CategoryTask& task, const CleanOptions& options);
 CleanOutcome deleteOpearWithBrower(const CategoryTask& task, const CleanOptions& options);
