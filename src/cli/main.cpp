@@ -3,6 +3,7 @@
 #include "cli/HistoryCommand.h"
 #include "cli/BrowsersCommand.h"
 #include "cli/CopyCommand.h"
+#include "cli/CheckUpdateCommand.h"
 #include "cli/DiskToolCommands.h"
 #include "cli/DupesCommand.h"
 #include "cli/EraseCommand.h"
@@ -38,6 +39,7 @@ const Command kCommands[] = {
     {"format", "format [--yes] [--json] VOLUME TYPE [NAME]   erase a volume with a new file system (exfat, fat32, hfs+, ext4)", velmora::cli::runFormatCommand},
     {"rename", "rename VOLUME NAME               rename a volume", velmora::cli::runRenameCommand},
     {"eject", "eject VOLUME                     eject the disk that holds a volume", velmora::cli::runEjectCommand},
+    {"check-update", "check-update [--json]            compare this build with the newest release", velmora::cli::runCheckUpdateCommand},
     {"copy", "copy [--yes] [--verify] [--json] SOURCE DEST [--only PATH...]   copy a volume or folder (or the items picked under it) into a dated folder VLclone(...) on another", velmora::cli::runCopyCommand},
     {"history", "history [--type WipeFile|WipeVolume] [--json] | delete KEY | clear [--yes] | export KEY FILE   the erasure history", velmora::cli::runHistoryCommand},
     {"browsers", "browsers [--json]                list the installed browsers and what each keeps", velmora::cli::runBrowsersCommand},

@@ -22,6 +22,10 @@ public:
     // True from 201,000,000 bytes: the threshold is 200 MB whatever the name says.
     static bool isMoreThan2GB(quint64 bytes);
     static QString fileSystemTypeForInt(int type, bool isDmg);
+
+    // One request to the "ProbeURL" address, cached data ignored, time-out 5.0 s
+    // (PublicUtilitiesNetwork.cpp): true when a server answered.
+    static bool isCanBeUseNetWork();
 };
 
 }  // namespace velmora

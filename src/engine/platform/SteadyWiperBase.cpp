@@ -8,9 +8,20 @@
 namespace velmora {
 namespace {
 
+// "VersionCheck" and "Link" describe the installed build, not the user: when the
+// user's copy was made by another build (an upgrade), they are taken over from the
+// template, so a new build neither reports the old build number nor keeps old addresses.
+void takeOverBuildEntries(const QString& target, const QVariantMap& shipped) {
+    QVariantMap settings = propertyListFromFile(target).toMap();
+    if (settings.isEmpty() || settings.value("VersionCheck") == shipped.value("VersionCheck")) return;
+    settings.insert("VersionCheck", shipped.value("VersionCheck"));
+    settings.insert("Link", shipped.value("Link"));
+    writePropertyListAtomically(target, settings);
+}
+
 void seedFromTemplate(const QString& target) {
-    if (QFile::exists(target)) return;
     QVariantMap settings = propertyListFromFile(":/templates/SteadyWiperBase.plist").toMap();
+    if (QFile::exists(target)) return takeOverBuildEntries(target, settings);
     // The template cannot know who runs the application; the user name is
     // filled in once, when the user's own copy is made.
     settings.insert("USERNAME", QString::fromLocal8Bit(qgetenv("USER")));
