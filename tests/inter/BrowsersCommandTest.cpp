@@ -8,14 +8,19 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 using namespace velmora::test;
 
 namespace {
 
-ProcessResult runCli(const std::vector<std::string>& arguments) {
-    std::vector<std::string> argv{std::string(std::getenv("VELMORA_BIN_DIR")) + "/velmora-cli"};
+// As root, `withoutOverride` runs it without the capabilities that let root read any folder.
+ProcessResult runCli(const std::vector<std::string>& arguments, bool withoutOverride = false) {
+    std::vector<std::string> argv;
+    if (withoutOverride && ::geteuid() == 0) argv = {"/usr/bin/setpriv", "--bounding-set=-dac_override,-dac_read_search"};
+    argv.push_back(std::string(std::getenv("VELMORA_BIN_DIR")) + "/velmora-cli");
     argv.insert(argv.end(), arguments.begin(), arguments.end());
     return runProcess(argv);
 }
@@ -108,4 +113,16 @@ TEST(BrowsersCommand, RunningBrowserRefusedUnlessClosed) {
     ASSERT_EQ(::waitpid(pid, &status, 0), pid);
     EXPECT_TRUE(WIFSIGNALED(status));
     EXPECT_FALSE(exists(fake.firefox + "/cookies.sqlite"));
+}
+
+// The access status on Linux: a profile folder that cannot be listed is named.
+TEST(BrowsersCommand, UnreadableProfileFolderIsNamed) {
+    BrowserHome fake;
+    const std::string folder = fake.home / ".config/google-chrome";
+    ::chmod(folder.c_str(), 0);
+    const ProcessResult result = runCli({"browsers"}, true);
+    ::chmod(folder.c_str(), 0755);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.err.find("cannot read " + folder + ": Permission denied"), std::string::npos) << result.err;
+    EXPECT_EQ(runCli({"browsers"}, true).err.find("cannot read"), std::string::npos);
 }

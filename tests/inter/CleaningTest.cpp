@@ -173,12 +173,22 @@ TEST(BrowserCleaning, ThoroughModeLeavesNoDeletedRowInAnyFileOfTheProfile) {
     }
 }
 
-TEST(BrowserCleaning, JobRunsInTheBackgroundAndAppliesOnTheOwnersThread) {
+TEST(BrowserCleaning, ScanAndCleanRunInTheBackgroundAndReportOnTheOwnersThread) {
     FakeBrowserHome home;
     makeChromeProfile(home / ".config/google-chrome/Default", {{"https://a.example/"}, 0, 0, 0});
+    makeFolders(home / ".config/opera");
     int argc = 0;
     QCoreApplication app(argc, nullptr);
-    const BrowserArr browsers = BrowserCatalogue::scan();
+    BrowserCatalogue catalogue;
+    QSignalSpy found(&catalogue, &BrowserCatalogue::scanProgress);
+    QSignalSpy ready(&catalogue, &BrowserCatalogue::browserArrReady);
+    catalogue.getBrowserArr();
+    ASSERT_TRUE(ready.wait(30000));
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_EQ(found[0][0].toString(), "Google Chrome");
+    EXPECT_EQ(found[1][0].toString(), "Opera");
+    const auto browsers = ready.first().first().value<BrowserArr>();
+    ASSERT_EQ(browsers.size(), 2);
     tickOnly(browsers, "Google Chrome", {"Browsing History"});
     BrowserCleanJob job;
     QSignalSpy finished(&job, &BrowserCleanJob::finished);

@@ -149,13 +149,23 @@ void BrowserCatalogue::getBrowserArr() {
 BrowserArr BrowserCatalogue::scan(const std::function<void(const QString&)>& found) {
     BrowserArr browserArr;
     browserArr.reserve(100);
+    const auto reportFrom = [&](qsizetype first) {
+        if (found)
+            for (qsizetype i = first; i < browserArr.size(); ++i) found(browserArr[i]->name);
+    };
     if (StandardPaths::layout() == StandardPaths::Layout::MacOS) {
-        for (const QString& folder : applicationPaths()) applicationsInPath(folder, browserArr);
-    } else {
-        linuxBrowsers(browserArr);
+        for (const QString& folder : applicationPaths()) {
+            const qsizetype first = browserArr.size();
+            applicationsInPath(folder, browserArr);
+            reportFrom(first);
+        }
+        return browserArr;
     }
-    if (found)
-        for (const BrowerObjPtr& browser : browserArr) found(browser->name);
+    for (const CatalogueResource::Programs& programs : CatalogueResource::browserPrograms()) {
+        const qsizetype first = browserArr.size();
+        linuxBrowser(programs, browserArr);
+        reportFrom(first);
+    }
     return browserArr;
 }
 
@@ -191,19 +201,17 @@ void BrowserCatalogue::applicationsInPath(const QString& folder, BrowserArr& bro
     }
 }
 
-void BrowserCatalogue::linuxBrowsers(BrowserArr& browserArr) {
-    for (const CatalogueResource::Programs& programs : CatalogueResource::browserPrograms()) {
-        if (!isFolder(BrowserFiles::pathWithUser(programs.profileFormat)) && !programFound(programs)) continue;
-        auto browser = std::make_shared<BrowerObj>();
-        browser->name = programs.key;
-        browser->iconImage = programs.icon;
-        browser->rules = rulesOf(programs.rules);
-        browser->isSelect = 1;
-        browser->catalogueKey = programs.key;
-        browser->programs = programs.programs;
-        getSubArrWithKey(programs.key, *browser);
-        browserArr.append(browser);
-    }
+void BrowserCatalogue::linuxBrowser(const CatalogueResource::Programs& programs, BrowserArr& browserArr) {
+    if (!isFolder(BrowserFiles::pathWithUser(programs.profileFormat)) && !programFound(programs)) return;
+    auto browser = std::make_shared<BrowerObj>();
+    browser->name = programs.key;
+    browser->iconImage = programs.icon;
+    browser->rules = rulesOf(programs.rules);
+    browser->isSelect = 1;
+    browser->catalogueKey = programs.key;
+    browser->programs = programs.programs;
+    getSubArrWithKey(programs.key, *browser);
+    browserArr.append(browser);
 }
 
 void BrowserCatalogue::getSubArrWithKey(const QString& key, BrowerObj& browser) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/inter/BrowerObj.h"
+#include "engine/inter/CatalogueResource.h"
 
 #include <QFuture>
 #include <QObject>
@@ -48,7 +49,8 @@ signals:
     void browserArrReady(const velmora::BrowserArr& browserArr);
 
 private:
-    static void linuxBrowsers(BrowserArr& browserArr);
+    // Appends the browser when it is installed.
+    static void linuxBrowser(const CatalogueResource::Programs& programs, BrowserArr& browserArr);
 
     QFuture<BrowserArr> m_scan;
 };
