@@ -77,6 +77,7 @@ TEST(BrowsersCommand, ThoroughCleaningLeavesNoMarkerAndNoCookieFile) {
     for (const auto& entry : std::filesystem::directory_iterator(fake.firefox))
         EXPECT_EQ(entry.path().filename().string().find("cookies.sqlite"), std::string::npos) << entry.path();
     EXPECT_EQ(rowCount(fake.firefox + "/places.sqlite", "moz_historyvisits"), 0);
+    EXPECT_EQ(rowCount(fake.firefox + "/places.sqlite", "moz_places"), 2);  // thorough deletes no other rows
 }
 
 TEST(BrowsersCommand, NamedCategoriesOnlyAndUnknownNamesRefused) {

@@ -202,3 +202,35 @@ TEST(BrowserCleaning, ScanAndCleanRunInTheBackgroundAndReportOnTheOwnersThread) 
     EXPECT_EQ(categoryNamed(*browserNamed(browsers, "Google Chrome"), "Browsing History")->size, "0 Item");
     EXPECT_EQ(rowCount(home / ".config/google-chrome/Default/History", "urls"), 0);
 }
+
+// Safari on the macOS layout: both history tables, the closed tabs, the local storage
+// folders (whose count stays shown as it was), cleaned only once ticked.
+TEST(BrowserCleaning, SafariHistoryAndLocalStorage) {
+    FakeBrowserHome home;
+    const std::string root = home / "root";
+    const std::string library = root + "/Users/tester/Library";
+    home.set("VELMORA_LAYOUT", "macos");
+    home.set("VELMORA_ROOT", root);
+    home.set("USER", "tester");
+    makeFolders(root + "/Applications/Safari.app");
+    makeFolders(library + "/Safari/LocalStorage/https_a.example_0.localstorage");
+    makeFolders(library + "/WebKit/LocalStorage");
+    makeSafariHistory(library + "/Safari/History.db", 3, 1);
+    writeFile(library + "/Safari/RecentlyClosedTabs.plist", "tabs");
+
+    const BrowserArr browsers = BrowserCatalogue::scan();
+    EXPECT_TRUE(BrowserCleanJob::cleanNow(browsers).isEmpty());  // unticked by default
+    EXPECT_EQ(rowCount(library + "/Safari/History.db", "history_visits"), 3);
+
+    tickOnly(browsers, "Safari", {"Browsing History", "Cookies"});
+    const QString cookiesBefore = categoryNamed(*browsers[0], "Cookies")->size;
+    EXPECT_EQ(cookiesBefore, "1 Items");
+    const QList<CleanOutcome> outcomes = BrowserCleanJob::cleanNow(browsers);
+    for (const CleanOutcome& outcome : outcomes) EXPECT_EQ(outcome.status, Status::Cleaned) << outcome.reason;
+    EXPECT_EQ(rowCount(library + "/Safari/History.db", "history_items"), 0);
+    EXPECT_EQ(rowCount(library + "/Safari/History.db", "history_visits"), 0);
+    EXPECT_FALSE(exists(library + "/Safari/RecentlyClosedTabs.plist"));
+    EXPECT_FALSE(exists(library + "/Safari/LocalStorage"));
+    EXPECT_FALSE(exists(library + "/WebKit/LocalStorage"));
+    EXPECT_EQ(categoryNamed(*browsers[0], "Cookies")->size, cookiesBefore);
+}

@@ -56,7 +56,7 @@ public:
         ToGetDB& db = ToGetDB::returnToGetDB();
         const bool done = (db.*operation)(path);
         if (!existed) {
-            m_skipped = QString("no database at %1").arg(displayPath(path));
+            skip(QString("no database at %1").arg(displayPath(path)));
             return;
         }
         m_foundAny = true;
@@ -68,6 +68,7 @@ public:
             m_failures.append(QString("%1: %2").arg(displayPath(path), db.lastError()));
     }
 
+    // Why the category held nothing, when nothing else is found.
     void skip(const QString& reason) { m_skipped = reason; }
 
     CleanOutcome outcome(const QString& sizeAfterSuccess) const {
@@ -76,7 +77,7 @@ public:
             outcome.status = Status::Failed;
             outcome.reason = m_failures.join("; ");
             outcome.sizeAfter = currentValue();
-        } else if (!m_skipped.isEmpty() || !m_foundAny) {
+        } else if (!m_foundAny) {
             outcome.status = Status::Skipped;
             outcome.reason = m_skipped.isEmpty() ? QString("nothing to clean") : m_skipped;
         }
