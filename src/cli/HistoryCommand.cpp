@@ -3,6 +3,7 @@
 #include "cli/Terminal.h"
 #include "engine/history/DoDataBase.h"
 #include "engine/history/HistoryReport.h"
+#include "engine/platform/NativePath.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -41,11 +42,14 @@ QList<Entry> loadEntries(const QString& type) {
     return entries;
 }
 
+// An item is a path, written with the same escape as in the plain listing and as erase
+// prints it.
 QJsonObject toJson(const Entry& entry) {
     QJsonArray rows;
     for (const HistoryRow& row : entry.rows) {
         QJsonObject object;
-        for (auto it = row.constBegin(); it != row.constEnd(); ++it) object.insert(it.key(), it.value());
+        for (auto it = row.constBegin(); it != row.constEnd(); ++it)
+            object.insert(it.key(), it.key() == "Items" ? escapedPath(it.value()) : it.value());
         rows.append(object);
     }
     return {{"key", entry.key}, {"type", entry.type}, {"rows", rows}};
@@ -70,7 +74,7 @@ int listEntries(QStringList args) {
     for (const Entry& entry : entries) {
         printOut(printable(entry.key) + "  " + printable(entry.type));
         for (const HistoryRow& row : entry.rows)
-            printOut(QString("  %1 | %2 | %3").arg(printable(row.value("Items")), printable(row.value("Erasure Standard")),
+            printOut(QString("  %1 | %2 | %3").arg(escapedPath(row.value("Items")), printable(row.value("Erasure Standard")),
                                       printable(row.value("Result"))));
     }
     return 0;

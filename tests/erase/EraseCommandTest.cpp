@@ -2,8 +2,17 @@
 #include "EraseTestSupport.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
+#include "engine/platform/NativePath.h"
+#include "support/ChildProcess.h"
+#include "support/LoopVolume.h"
+#include "support/TestFiles.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
+#include <climits>
+#include <sys/stat.h>
 
 namespace velmora::test {
 namespace {
@@ -90,25 +99,108 @@ TEST_F(EraseCommandTest, HardLinkedFileIsFailedWithTheReasonAndExitsOne) {
     EXPECT_EQ(rows.at(1).value("Result"), "Failed");
 }
 
-// A name cannot forge a line of the one-line-per-item output, in the erase result or in
-// the history list: its line break, tab, escape and backslash are written as \n, \t,
-// \x1b and \\, while the history keeps the name itself.
-TEST_F(EraseCommandTest, NameWithALineBreakStaysOnItsOwnLine) {
-    const QString name = "a\nErased  home\t\x1b[2J\\";
-    const QString file = scratch(name);
-    writeFile(file, "data");
-    const QString shown = scratch("a\\nErased  home\\t\\x1b[2J\\\\");
+// velmora-cli with arguments given as bytes, as a shell passes them.
+CliRun runCliWithBytes(const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{(binDir() + "/velmora-cli").toStdString()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const ProcessResult run = runProcess(command);
+    return {run.status, QString::fromStdString(run.out), QString::fromStdString(run.err)};
+}
 
-    const CliRun run = runCli({"erase", "--yes", file});
+std::string synced(const std::string& path, const std::string& content) {
+    writeFile(path, content);
+    const int fd = openLongPath(QByteArray::fromStdString(path), O_RDONLY);
+    EXPECT_EQ(fd >= 0 && fsync(fd) == 0, true) << path;
+    if (fd >= 0) close(fd);
+    return path;
+}
+
+// File names are bytes. A name that is not UTF-8, one with a line break and control
+// characters, one that starts with a dash and one of 255 bytes are erased as they are.
+// A name that is not plain text is printed in the shell's $'...' quoting, so no name can
+// forge a line of the output, in erase and in history alike; the history records the
+// readable form, with U+FFFD for each byte that is not text.
+TEST_F(EraseCommandTest, NamesOfAnyBytesAreErasedPrintedQuotedAndRecordedReadably) {
+    const std::string folder = m_scratch.path().toStdString() + "/";
+    const QString shownFolder = m_scratch.path() + "/";
+    const std::string notText = folder + "bad\xff\xfe" "name";
+    const std::string lineBreak = folder + "a\nErased  home\t\x1b[2J\\";
+    const std::string dash = folder + "-rf";
+    const std::string longest = folder + std::string(255, 'n');
+    // What a lossy conversion would make of the first name: it must survive.
+    const std::string replaced = synced(folder + "bad\xef\xbf\xbd\xef\xbf\xbd" "name", "keep");
+    for (const std::string& path : {notText, lineBreak, dash, longest}) synced(path, "data");
+
+    const CliRun run = runCliWithBytes({"erase", "--yes", notText, lineBreak, dash, longest});
     EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-    EXPECT_FALSE(existsOnDisk(file));
-    EXPECT_EQ(run.out, "Erased  " + shown + "\n");
-    EXPECT_EQ(onlyFileEntry().value(1).value("Items"), file);
+    for (const std::string& path : {notText, lineBreak, dash, longest}) EXPECT_FALSE(exists(path)) << path;
+    EXPECT_EQ(readFile(replaced), "keep");
+    const QString quotedLineBreak = "$'" + shownFolder + "a\\nErased  home\\t\\x1b[2J\\\\'";
+    EXPECT_EQ(run.out, "Erased  $'" + shownFolder + "bad\\xff\\xfename'\n" + "Erased  " + quotedLineBreak + "\n" +
+                           "Erased  " + shownFolder + "-rf\n" + "Erased  " + shownFolder + QString(255, 'n') + "\n");
+
+    const QString readable = shownFolder + QString::fromUtf8("bad\uFFFD\uFFFDname");
+    const HistoryRows rows = onlyFileEntry();
+    ASSERT_EQ(rows.size(), 5);
+    EXPECT_EQ(rows.at(1).value("Items"), readable);
+    EXPECT_EQ(rows.at(2).value("Items"), QString::fromStdString(lineBreak));
 
     const CliRun history = runCli({"history", "--type", "WipeFile"});
     EXPECT_EQ(history.exitCode, 0) << history.err.toStdString();
-    EXPECT_TRUE(history.out.contains("\n  " + shown + " | HMG Infosec Standard 5 | Erased\n")) << history.out.toStdString();
-    EXPECT_EQ(history.out.count('\n'), 3) << history.out.toStdString();  // the entry, its header row, the item
+    EXPECT_TRUE(history.out.contains("\n  " + readable + " | HMG Infosec Standard 5 | Erased\n")) << history.out.toStdString();
+    EXPECT_TRUE(history.out.contains("\n  " + quotedLineBreak + " | HMG Infosec Standard 5 | Erased\n"));
+    EXPECT_EQ(history.out.count('\n'), 6) << history.out.toStdString();  // the entry, its header row, four items
+
+    const CliRun json = runCli({"history", "--json"});
+    const QJsonArray items = QJsonDocument::fromJson(json.out.toUtf8()).array().at(0).toObject().value("rows").toArray();
+    ASSERT_EQ(items.size(), 5) << json.out.toStdString();
+    EXPECT_EQ(items.at(1).toObject().value("Items").toString(), readable);
+    EXPECT_EQ(items.at(2).toObject().value("Items").toString(), quotedLineBreak);
+}
+
+// 40 levels of 120-byte names below `folder`, a file with the content at the bottom:
+// deeper than PATH_MAX. Answers the top folder.
+std::string deepTree(const std::string& folder, const std::string& content) {
+    const std::string top = folder + "/" + std::string(120, 't');
+    EXPECT_EQ(mkdir(top.c_str(), 0755), 0) << top;
+    const std::string bottom = makeDeepFolders(top, 39, std::string(120, 'd')) + "/data";
+    EXPECT_GT(bottom.size(), std::size_t(PATH_MAX));
+    synced(bottom, content);
+    return top;
+}
+
+// A tree deeper than PATH_MAX is counted, erased and checked through folder descriptors.
+TEST_F(EraseCommandTest, TreeDeeperThanPathMaxIsErased) {
+    const std::string top = deepTree(m_scratch.path().toStdString(), "data");
+    const CliRun run = runCliWithBytes({"erase", "--yes", top});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, QString("Erased  %1\n").arg(QString::fromStdString(top)));
+    EXPECT_FALSE(exists(top));
+}
+
+// The truth test for such names: on an ext4 volume, neither the marker of the deepest file
+// of a tree deeper than PATH_MAX nor that of a file named with bytes that are not UTF-8 is
+// anywhere in the raw image after the erase.
+TEST_F(EraseCommandTest, DeepTreeAndByteNameLeaveNoResidueOnExt4) {
+    LoopVolume volume;
+    std::string mountPoint;
+    const std::string label = uniqueLabel("vbytes");
+    if (const std::string problem = volume.formatAndMount("ext4", label, mountPoint); !problem.empty())
+        GTEST_SKIP() << "SKIPPED: " << problem;
+    const std::string marker = uniqueMarker();
+    std::string content;
+    while (content.size() < 200'000) content += marker + "\n";
+    const std::string top = deepTree(mountPoint, content);
+    const std::string notText = synced(mountPoint + "/bad\xff\xfe", content);
+    ASSERT_TRUE(volume.unmountAll());
+    ASSERT_GT(volume.countInImage(marker), 0) << "the marker never reached the image";
+    ASSERT_EQ(volume.mount("ext4", label), mountPoint);
+
+    const CliRun run = runCliWithBytes({"erase", "--yes", top, notText});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out.count("Erased  "), 2) << run.out.toStdString();
+    ASSERT_TRUE(volume.unmountAll());
+    EXPECT_EQ(volume.countInImage(marker), 0);
 }
 
 TEST_F(EraseCommandTest, RefusesRootMissingPathsAndAnUnconfirmedRun) {

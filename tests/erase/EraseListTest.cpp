@@ -1,6 +1,8 @@
 // The erase list built from the page's records when the erase is confirmed, on real folders.
 #include "EraseTestSupport.h"
 #include "engine/erase/EraseList.h"
+#include "engine/platform/NativePath.h"
+#include "support/TestFiles.h"
 
 #include <sys/stat.h>
 
@@ -36,6 +38,17 @@ TEST_F(EraseListTest, ChosenItemsStayWholeWithTheirFolderResolvedAndTheirIdentit
     EXPECT_EQ(EraseList::itemCount(list.at(0)), 3);
     EXPECT_EQ(EraseList::itemCount(list.at(1)), 1);
     EXPECT_EQ(EraseList::itemCount(fileRecord(real, true)), 5);
+
+    // A tree deeper than PATH_MAX is counted whole, through folder descriptors, and a
+    // name that is not UTF-8 keeps its bytes through the list.
+    const QByteArray top = QFile::encodeName(scratch("top-")) + "\xff";
+    ASSERT_EQ(mkdir(top.constData(), 0755), 0);
+    velmora::test::writeFile(makeDeepFolders(top.toStdString(), 40, std::string(120, 'd')) + "/f", "data");
+    const FileObjList deep = EraseList::build({fileRecord(pathFromNative(top), true)});
+    ASSERT_EQ(deep.size(), 1);
+    EXPECT_EQ(nativePath(deep.first().url), QFile::encodeName(canonicalScratch) + "/top-\xff");
+    EXPECT_NE(deep.first().inode, 0u);
+    EXPECT_EQ(EraseList::itemCount(deep.first()), 42);
 }
 
 }  // namespace

@@ -186,10 +186,11 @@ TEST_F(RemoveFileAndFolderTest, FileSwappedForALinkJustBeforeTheToolIsNotErased)
     QTemporaryDir standInBin;
     QFile tool(standInBin.filePath("srm"));
     ASSERT_TRUE(tool.open(QIODevice::WriteOnly));
+    // The path comes NUL-terminated on standard input; output lines end with NUL.
     tool.write("#!/bin/sh\n"
-               "for last; do :; done\n"
+               "last=$(tr -d '\\000')\n"
                "mv -- \"$last\" \"$last.kept\" && ln -s \"$last.kept\" \"$last\" && rm -- \"$last\"\n"
-               "echo \"removed $last (symbolic link; its target is untouched)\"\n");
+               "printf 'removed %s (symbolic link; its target is untouched)\\000' \"$last\"\n");
     tool.close();
     ASSERT_TRUE(tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     const QString path = scratch("data.txt");
@@ -201,8 +202,9 @@ TEST_F(RemoveFileAndFolderTest, FileSwappedForALinkJustBeforeTheToolIsNotErased)
     EXPECT_TRUE(existsOnDisk(path + ".kept"));
 }
 
-// The engine launches the real tool with exactly the option string of the level
-// and the path; each run is cancelled as soon as the tool is seen running.
+// The engine launches the real tool with exactly the option string of the level (the
+// path goes to its standard input); each run is cancelled as soon as the tool is seen
+// running.
 TEST_F(RemoveFileAndFolderTest, LevelChoosesTheToolOptionsAndCancelStopsTheTool) {
     const QList<QPair<int, QString>> levels = {{1, "-fsvrz"}, {2, "-fsvrz"}, {3, "-fEvrz"}, {7, "-fmvrz"}, {35, "-fvrz"}, {5, "-fsvrz"}};
     const QString big = scratch("big.bin");
@@ -229,7 +231,7 @@ TEST_F(RemoveFileAndFolderTest, LevelChoosesTheToolOptionsAndCancelStopsTheTool)
         ASSERT_TRUE(run.waitForEnd());
         poll.stop();
         ASSERT_FALSE(seen.isEmpty()) << "the tool was never seen running";
-        EXPECT_EQ(seen.mid(1), (QStringList{options, "--", big}));
+        EXPECT_EQ(seen.mid(1), (QStringList{options, "-0", "--files0-from=-"}));
         // The run ended on the cancel: the second record never started.
         ASSERT_EQ(run.results.size(), 1);
         EXPECT_EQ(run.results.first().url, big);

@@ -3,8 +3,8 @@
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/SecureRemoveTask.h"
 #include "engine/erase/TreeRemoval.h"
+#include "engine/platform/NativePath.h"
 
-#include <QFile>
 #include <QProcess>
 
 namespace velmora {
@@ -30,7 +30,7 @@ void DoRemoveObj::initWithArr(const QStringList& paths) {
 
 void DoRemoveObj::runTaskWithPath() {
     // The tool follows no link on the way to the path, so its folder is resolved here, once.
-    const QString path = QFile::decodeName(TreeRemoval::withResolvedFolder(QFile::encodeName(m_allFilesArr.at(m_index))));
+    const QString path = pathFromNative(TreeRemoval::withResolvedFolder(nativePath(m_allFilesArr.at(m_index))));
     m_task = startSecureRemoveTask(this, EraserLevel::optionString(1, false), path, [this](bool, int) { doneErasing(); });
 }
 

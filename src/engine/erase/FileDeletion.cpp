@@ -1,11 +1,9 @@
 #include "engine/erase/FileDeletion.h"
 
 #include "engine/erase/TreeRemoval.h"
+#include "engine/platform/NativePath.h"
 #include "srm/NoFollowPath.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,25 +12,29 @@
 namespace velmora::FileDeletion {
 
 bool isDeletableFileAtPath(const QString& path) {
-    const QByteArray folder = QFile::encodeName(QFileInfo(QDir::cleanPath(path)).absolutePath());
-    if (access(folder.constData(), W_OK | X_OK) != 0) return false;
+    // The folder is reached by descriptor, so the path may be of any length.
+    QByteArray name;
+    const int folderFd = openContainingFolder(nativePath(path), name);
+    if (folderFd < 0) return false;
     struct stat folderInfo;
-    if (stat(folder.constData(), &folderInfo) != 0) return false;
-    if ((folderInfo.st_mode & S_ISVTX) == 0 || geteuid() == 0) return true;
     struct stat itemInfo;
-    if (lstat(QFile::encodeName(path).constData(), &itemInfo) != 0) return true;
-    return itemInfo.st_uid == geteuid() || folderInfo.st_uid == geteuid();
+    bool deletable = faccessat(folderFd, ".", W_OK | X_OK, 0) == 0 && fstat(folderFd, &folderInfo) == 0;
+    if (deletable && (folderInfo.st_mode & S_ISVTX) != 0 && geteuid() != 0 &&
+        fstatat(folderFd, name.constData(), &itemInfo, AT_SYMLINK_NOFOLLOW) == 0)
+        deletable = itemInfo.st_uid == geteuid() || folderInfo.st_uid == geteuid();
+    close(folderFd);
+    return deletable;
 }
 
 bool removeItemAtPath(const QString& path) {
-    return TreeRemoval::remove(TreeRemoval::withResolvedFolder(QFile::encodeName(path))).isEmpty();
+    return TreeRemoval::remove(TreeRemoval::withResolvedFolder(nativePath(path))).isEmpty();
 }
 
 bool addOwnerWrite(const QString& path) {
-    const QByteArray resolved =
-        TreeRemoval::withResolvedFolder(QFile::encodeName(QDir::cleanPath(QFileInfo(path).absoluteFilePath())));
+    const QByteArray resolved = TreeRemoval::withResolvedFolder(nativePath(path));
     const qsizetype slash = resolved.lastIndexOf('/');
-    const int folderFd = openFolderNoFollow(slash == 0 ? std::string("/") : resolved.left(slash).toStdString());
+    const std::string folder = slash < 0 ? "." : slash == 0 ? "/" : resolved.left(slash).toStdString();
+    const int folderFd = openFolderNoFollow(folder);
     if (folderFd < 0) return false;
     const QByteArray name = resolved.mid(slash + 1);
     struct stat status;

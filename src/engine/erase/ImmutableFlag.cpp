@@ -1,6 +1,8 @@
 #include "engine/erase/ImmutableFlag.h"
 
-#include <QFile>
+#include "engine/platform/NativePath.h"
+#include "engine/platform/PathStatus.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,12 +18,12 @@ namespace velmora::ImmutableFlag {
 
 bool isSet(const QString& path) {
     struct stat info;
-    if (lstat(QFile::encodeName(path).constData(), &info) != 0) return false;
+    if (statWithoutFollowing(nativePath(path), &info) != 0) return false;
     return (info.st_flags & UF_IMMUTABLE) != 0;
 }
 
 bool clear(const QString& path) {
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = nativePath(path);
     struct stat info;
     if (lstat(name.constData(), &info) != 0) return false;
     return lchflags(name.constData(), info.st_flags & ~UF_IMMUTABLE) == 0;
@@ -33,7 +35,7 @@ namespace {
 
 // The flags are read and written through a descriptor; symbolic links carry none.
 int openForFlags(const QString& path) {
-    return open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC);
+    return openLongPath(nativePath(path), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY);
 }
 
 }  // namespace

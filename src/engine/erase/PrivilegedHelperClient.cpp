@@ -5,9 +5,9 @@
 
 #include "engine/erase/MessageChannel.h"
 #include "engine/erase/PrivilegedHelper.h"
+#include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <cerrno>
 #include <spawn.h>
@@ -57,7 +57,7 @@ bool PrivilegedHelperClient::start(int* exitStatus) {
     posix_spawn_file_actions_adddup2(&actions, sockets[1], STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, sockets[1], STDOUT_FILENO);
     QList<QByteArray> encoded;
-    for (const QString& argument : m_launchCommand) encoded.append(QFile::encodeName(argument));
+    for (const QString& argument : m_launchCommand) encoded.append(nativePath(argument));
     QList<char*> arguments;
     for (QByteArray& argument : encoded) arguments.append(argument.data());
     arguments.append(nullptr);

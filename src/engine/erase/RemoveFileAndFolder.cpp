@@ -4,11 +4,13 @@
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/FileDeletion.h"
 #include "engine/erase/SecureRemoveTask.h"
+#include "engine/platform/NativePath.h"
+#include "engine/platform/PathStatus.h"
 #include "srm/NoFollowPath.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QProcess>
+#include <QStringList>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,11 +20,6 @@ namespace velmora {
 namespace {
 
 constexpr qsizetype kMaxToolErrors = 2048;
-
-bool existsOnDisk(const QString& path) {
-    struct stat info;
-    return lstat(QFile::encodeName(path).constData(), &info) == 0;
-}
 
 // The bundle rule (an application removed whole, without overwriting) belongs to
 // macOS; elsewhere a folder named ".app" is erased like any folder.
@@ -40,15 +37,15 @@ bool isPinnedAs(const FileObj& file, const struct stat& now) {
     return quint64(now.st_dev) == file.device && quint64(now.st_ino) == file.inode;
 }
 
-// The tool's own words ("srm: PATH: reason" lines), the first few joined; the path
-// is left out where it is the item's own.
+// The tool's own words ("srm: PATH: reason" lines, each ended by NUL), the first few
+// joined; the path is left out where it is the item's own.
 QString reasonFromToolErrors(const QByteArray& errors, const QString& path) {
-    const QByteArray ownPrefix = "srm: " + QFile::encodeName(path) + ": ";
+    const QByteArray ownPrefix = "srm: " + nativePath(path) + ": ";
     QStringList reasons;
-    for (QByteArray line : errors.split('\n')) {
+    for (QByteArray line : errors.split('\0')) {
         if (line.startsWith(ownPrefix)) line.remove(0, ownPrefix.size());
         else if (line.startsWith("srm: ")) line.remove(0, 5);
-        if (!line.trimmed().isEmpty() && reasons.size() < 3) reasons.append(QString::fromLocal8Bit(line.trimmed()));
+        if (!line.trimmed().isEmpty() && reasons.size() < 3) reasons.append(pathFromNative(line.trimmed()));
     }
     return reasons.join("; ");
 }
@@ -58,7 +55,7 @@ QString reasonFromToolErrors(const QByteArray& errors, const QString& path) {
 // and again after it. Answers false, with nothing removed, when that cannot be shown
 // before the unlink; *failure is set when something went wrong after it.
 bool unlinkIfEmpty(const QString& path, const FileObj& file, QString* failure) {
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = nativePath(path);
     const qsizetype slash = name.lastIndexOf('/');
     if (slash < 0) return false;
     const int folderFd = openFolderNoFollow(slash == 0 ? std::string("/") : name.left(slash).toStdString());
@@ -100,9 +97,8 @@ RemoveFileAndFolder::~RemoveFileAndFolder() {
 int RemoveFileAndFolder::getEraserTimes() { return EraserLevel::clamped(); }
 
 bool RemoveFileAndFolder::checkPermissions(const QString& path) {
-    const QByteArray name = QFile::encodeName(path);
     // Non-blocking, so that a named pipe without a reader cannot hang the engine.
-    const int fd = open(name.constData(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int fd = openLongPath(nativePath(path), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     if (fd >= 0) {
         close(fd);
         return true;
@@ -142,7 +138,7 @@ void RemoveFileAndFolder::runTaskWithPath() {
     qInfo("-------::%s", qUtf8Printable(file.url));
     // What is there now decides, not what was listed; links are never followed.
     struct stat info;
-    if (lstat(QFile::encodeName(file.url).constData(), &info) != 0) {
+    if (statWithoutFollowing(nativePath(file.url), &info) != 0) {
         finishDirectStep(file, "it was no longer there when the erase reached it");
     } else if (!isPinnedAs(file, info)) {
         finishDirectStep(file, "it was replaced after the erase was confirmed; left alone");
@@ -181,18 +177,18 @@ void RemoveFileAndFolder::launchSecureRemove(FileObj& file) {
 
 void RemoveFileAndFolder::readToolProgress() {
     m_toolOutput.append(m_task->readAllStandardOutput());
-    // Inside a folder the tool reports each item it removed; the record's own end is
-    // reported by doneErasing.
-    for (qsizetype end = m_toolOutput.indexOf('\n'); end >= 0; end = m_toolOutput.indexOf('\n')) {
+    // Inside a folder the tool reports each item it removed (lines ended by NUL, so a
+    // name may hold a line break); the record's own end is reported by doneErasing.
+    for (qsizetype end = m_toolOutput.indexOf('\0'); end >= 0; end = m_toolOutput.indexOf('\0')) {
         const QByteArray line = m_toolOutput.left(end);
         m_toolOutput.remove(0, end + 1);
         if (!line.startsWith("removed ")) continue;
-        if (line == "removed " + QFile::encodeName(m_results.last().url) + " (symbolic link; its target is untouched)")
+        if (line == "removed " + nativePath(m_results.last().url) + " (symbolic link; its target is untouched)")
             m_toolRemovedALink = true;
         ++m_itemsInRecord;
         if (m_cancelled || m_itemsInRecord >= m_itemCounts.at(m_index)) continue;
         const int done = m_itemsDone + m_itemsInRecord;
-        emit removeProgress(progressFor(done), QString::fromLocal8Bit(line.mid(8)), done);
+        emit removeProgress(progressFor(done), pathFromNative(line.mid(8)), done);
     }
 }
 
@@ -207,7 +203,7 @@ void RemoveFileAndFolder::toolEnded(bool exitedNormally, int exitCode) {
                       : "the secure-remove tool was stopped before it was done";
     else if (exitCode != 0)
         failure = toolSaid.isEmpty() ? QString("the secure-remove tool failed (status %1)").arg(exitCode) : toolSaid;
-    else if (existsOnDisk(file.url))
+    else if (itemExists(file.url))
         failure = "it is still there after the secure-remove tool ended";
     else if (m_toolRemovedALink && !m_recordIsLink)
         // Swapped for a link after the last check: only the link went, the data did not.
@@ -237,7 +233,7 @@ void RemoveFileAndFolder::removeEmptyFile(FileObj& file) {
 
 void RemoveFileAndFolder::removeBundle(FileObj& file) {
     // An application bundle goes whole, without overwriting.
-    const bool removed = FileDeletion::removeItemAtPath(file.url) && !existsOnDisk(file.url);
+    const bool removed = FileDeletion::removeItemAtPath(file.url) && !itemExists(file.url);
     finishDirectStep(file, removed ? QString() : "the application bundle could not be removed");
 }
 

@@ -1,6 +1,7 @@
 #include "engine/erase/SecureRemoveTask.h"
 
 #include "engine/erase/ImmutableFlag.h"
+#include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
 #include <QDebug>
@@ -27,8 +28,13 @@ QProcess* startSecureRemoveTask(QObject* owner, const QString& options, const QS
             onEnd(false, -1);
         },
         Qt::QueuedConnection);
-    // "--": a path that starts with a dash is a path, not options.
-    task->start(tool, {options, "--", path});
+    // The path goes to the tool's standard input as its bytes, ended by NUL: an argument
+    // list would pass through QProcess's text encoding, which loses every byte of a name
+    // that is not UTF-8, and could not hold a path longer than the system's limit. "-0"
+    // ends the tool's output lines with NUL, so a name with a line break stays one line.
+    task->start(tool, {options, "-0", "--files0-from=-"});
+    task->write(nativePath(path) + '\0');
+    task->closeWriteChannel();
     return task;
 }
 

@@ -1,5 +1,6 @@
 #include "engine/erase/TreeRemoval.h"
 
+#include "engine/platform/PathStatus.h"
 #include "srm/NoFollowPath.h"
 
 #include <string>
@@ -68,7 +69,7 @@ QByteArray removeContents(int folderFd, const QByteArray& path) {
 
 std::optional<Identity> identityOf(const QByteArray& path) {
     struct stat status;
-    if (lstat(path.constData(), &status) != 0) return std::nullopt;
+    if (statWithoutFollowing(path, &status) != 0) return std::nullopt;
     return identityOfStatus(status);
 }
 

@@ -2,10 +2,10 @@
 
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/HistoryKey.h"
+#include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QLoggingCategory>
 #include <QStringList>
 #include <sqlite3.h>
@@ -23,7 +23,7 @@ constexpr const char* kCreateTables =
 // Null (after logging) when the database cannot be opened.
 sqlite3* openDataBase(const QString& path) {
     sqlite3* database = nullptr;
-    if (sqlite3_open(QFile::encodeName(path).constData(), &database) != SQLITE_OK) {
+    if (sqlite3_open(nativePath(path).constData(), &database) != SQLITE_OK) {
         sqlite3_close(database);
         qWarning("打开数据库失败！");
         return nullptr;
@@ -92,7 +92,8 @@ void DoDataBase::writePlistForHistoryWithArr(const FileObjList& items) {
     sqlite3* database = openDataBase(getDataBase());
     if (!database) return;
     writeEntryAndHeader(database, key, kWipeFile);
-    for (const FileObj& item : items) writeItemRow(database, item.url, level, item.failStr, key);
+    // The history is text to read: a byte of a name that is not text shows as U+FFFD.
+    for (const FileObj& item : items) writeItemRow(database, displayPath(item.url), level, item.failStr, key);
     sqlite3_close(database);
 }
 
@@ -102,7 +103,7 @@ void DoDataBase::writeWipeVolumesOrFree(const QString& volumeName, const QString
     sqlite3* database = openDataBase(getDataBase());
     if (!database) return;
     writeEntryAndHeader(database, key, kWipeVolume);
-    const QString item = QString(isFree ? "Erase Free Space:%1" : "Erase Hard Drive:%1").arg(volumeName);
+    const QString item = QString(isFree ? "Erase Free Space:%1" : "Erase Hard Drive:%1").arg(displayPath(volumeName));
     writeItemRow(database, item, level, endText, key);
     sqlite3_close(database);
 }

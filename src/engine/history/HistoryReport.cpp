@@ -1,9 +1,9 @@
 #include "engine/history/HistoryReport.h"
 
 #include "engine/history/HistoryKey.h"
+#include "engine/platform/NativePath.h"
 #include "engine/platform/WriteAll.h"
 
-#include <QFile>
 #include <QStringList>
 #include <cerrno>
 #include <cstdio>
@@ -67,7 +67,7 @@ QString itemRow(const HistoryRow& row) {
 // never writes through it, so a link planted at the target cannot redirect the
 // report onto another file. The report lists erased paths, so it stays private.
 bool replaceFile(const QString& path, const QByteArray& bytes) {
-    const QByteArray target = QFile::encodeName(path);
+    const QByteArray target = nativePath(path);
     QByteArray temporary = target + ".XXXXXX";
     const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (fd < 0) return false;

@@ -1,8 +1,9 @@
 #include "engine/platform/StandardPaths.h"
 
+#include "engine/platform/NativePath.h"
+
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QMutex>
 #include <QStandardPaths>
 #include <cerrno>
@@ -33,7 +34,7 @@ QString xdg(const char* variable, const QString& fallbackBelowHome) {
 // else may write to, so our folder in it cannot be swapped. Left as it is.
 bool trustedParent(const QString& path, QString* failure) {
     struct stat info;
-    if (::lstat(QFile::encodeName(path).constData(), &info) != 0) {
+    if (::lstat(nativePath(path).constData(), &info) != 0) {
         *failure = QString("cannot read %1: %2").arg(path, std::strerror(errno));
         return false;
     }
@@ -51,7 +52,7 @@ QString freshTempDirPath;
 void removeFreshTempDir() {
     const QMutexLocker lock(&freshTempDirMutex);
     if (freshTempDirPath.isEmpty()) return;
-    const QByteArray name = QFile::encodeName(freshTempDirPath);
+    const QByteArray name = nativePath(freshTempDirPath);
     const int fd = ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (DIR* folder = fd >= 0 ? ::fdopendir(fd) : nullptr) {
         while (const dirent* entry = ::readdir(folder)) {
@@ -79,9 +80,9 @@ QString freshTempDir() {
     made.clear();
     const QString user = QString::fromLocal8Bit(qgetenv("USER")).remove('/');
     for (const QString& parent : {QDir::tempPath(), QString("/tmp")}) {
-        QByteArray pattern = QFile::encodeName(parent + "/velmora-" + user + "-XXXXXX");
+        QByteArray pattern = nativePath(parent + "/velmora-" + user + "-XXXXXX");
         if (::mkdtemp(pattern.data())) {
-            made = QFile::decodeName(pattern);
+            made = pathFromNative(pattern);
             return made;
         }
         qWarning("cannot make a temporary folder in %s: %s", qUtf8Printable(parent), std::strerror(errno));
@@ -130,7 +131,7 @@ QString tempDir() {
 }
 
 bool ownPrivateFolder(const QString& path, bool create, QString* failure) {
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = nativePath(path);
     if (create && ::mkdir(name.constData(), 0700) != 0 && errno != EEXIST) {
         *failure = QString("cannot create it: %1").arg(std::strerror(errno));
         return false;

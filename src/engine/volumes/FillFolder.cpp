@@ -1,6 +1,7 @@
 #include "engine/volumes/FillFolder.h"
 
-#include <QFile>
+#include "engine/platform/NativePath.h"
+
 #include <QList>
 #include <algorithm>
 #include <cerrno>
@@ -27,7 +28,7 @@ int openMountPoint(const QString& mountPoint, quint64 device, QString* problem) 
         *problem = "the volume " + mountPoint + " is not pinned to its device";
         return -1;
     }
-    const int fd = ::open(QFile::encodeName(mountPoint).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    const int fd = ::open(nativePath(mountPoint).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (fd < 0) {
         *problem = QString("cannot open the mount point %1: %2").arg(mountPoint, errnoText(errno));
         return -1;
@@ -70,7 +71,7 @@ bool removeFolder(int mountFd, int folderFd, QString* problem) {
     }
     for (const QByteArray& name : names) {
         if (!FillFolder::isFillFileName(name)) {
-            *problem = "the fill folder holds \"" + QString::fromLocal8Bit(name) + "\", which the fill did not write";
+            *problem = "the fill folder holds \"" + displayPath(pathFromNative(name)) + "\", which the fill did not write";
             return false;
         }
         if (::unlinkat(folderFd, name.constData(), 0) != 0) {

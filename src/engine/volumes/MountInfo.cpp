@@ -1,6 +1,6 @@
 #include "engine/volumes/MountInfo.h"
 
-#include <QFile>
+#include "engine/platform/NativePath.h"
 
 namespace velmora {
 namespace {
@@ -19,7 +19,7 @@ QString unescapeMountField(const QByteArray& field) {
         }
         text.append(field[i]);
     }
-    return QFile::decodeName(text);
+    return pathFromNative(text);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "engine/volumes/VolumeIdentity.h"
 
+#include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 #include "engine/volumes/DiskInfo.h"
 #include "engine/volumes/MountInfo.h"
@@ -34,7 +35,7 @@ quint64 deviceNumberOf(const QByteArray& majorMinor) {
 // its first mount point.
 QList<DeviceMount> mountsOfDevice(const QString& deviceNode) {
     struct stat node;
-    const bool isBlockDevice = ::stat(QFile::encodeName(deviceNode).constData(), &node) == 0 && S_ISBLK(node.st_mode);
+    const bool isBlockDevice = ::stat(nativePath(deviceNode).constData(), &node) == 0 && S_ISBLK(node.st_mode);
     QFile table("/proc/self/mountinfo");
     if (!table.open(QIODevice::ReadOnly)) return {};
     QList<DeviceMount> mounts;
@@ -112,7 +113,7 @@ std::optional<ResolvedVolume> VolumeIdentity::find(bool sameFileSystem, QString*
         return std::nullopt;
     }
     struct stat folder;
-    if (::lstat(QFile::encodeName(found.mountPoint).constData(), &folder) != 0 || !S_ISDIR(folder.st_mode) ||
+    if (::lstat(nativePath(found.mountPoint).constData(), &folder) != 0 || !S_ISDIR(folder.st_mode) ||
         (mountedDevice != 0 && folder.st_dev != mountedDevice)) {
         *error = QString("%1 is not mounted at %2 any more").arg(describe(), found.mountPoint);
         return std::nullopt;
@@ -137,7 +138,7 @@ bool pinVolume(VolumeObj& volume, QString* error) {
     quint64 deviceNumber = volume.deviceNumber;
     if (volume.diskUUID.isEmpty() && deviceNumber == 0) {
         struct stat listed;
-        if (::lstat(QFile::encodeName(volume.volumeMountPoint).constData(), &listed) == 0 && S_ISDIR(listed.st_mode))
+        if (::lstat(nativePath(volume.volumeMountPoint).constData(), &listed) == 0 && S_ISDIR(listed.st_mode))
             deviceNumber = listed.st_dev;
     }
     const VolumeIdentity identity(volume.volRootDir, volume.diskUUID, deviceNumber, volume.volumeName);

@@ -1,24 +1,32 @@
 #include "engine/volumes/WholeDriveErase.h"
 
 #include "engine/erase/DoRemoveObj.h"
+#include "engine/platform/NativePath.h"
+#include "engine/platform/PathStatus.h"
 #include "engine/volumes/DiskUtilLine.h"
 #include "engine/volumes/FreeSpaceWipe.h"
 #include "engine/volumes/VolumeIdentity.h"
 #include "engine/volumes/VolumeScanner.h"
+#include "srm/NoFollowPath.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QFutureWatcher>
 #include <QProcess>
 #include <QtConcurrent>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace velmora {
 namespace {
 
+// The entries of the folder, each name kept as its bytes.
 QStringList entriesOf(const QString& folder) {
     QStringList paths;
-    for (const QString& entry : QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
-        paths.append(folder + "/" + entry);
+    const int fd = openLongPath(nativePath(folder), O_RDONLY | O_DIRECTORY);
+    if (fd < 0) return paths;
+    int error = 0;
+    for (const std::string& name : folderEntries(fd, error))
+        paths.append(folder + "/" + pathFromNative(QByteArray::fromStdString(name)));
+    close(fd);
     return paths;
 }
 
@@ -127,7 +135,7 @@ void WholeDriveErase::beginStageTwo() {
 void WholeDriveErase::removeObjEnd() {
     QStringList remaining;
     for (const QString& path : m_leftovers)
-        if (QFileInfo(path).exists() || QFileInfo(path).isSymLink()) remaining.append(QFileInfo(path).fileName());
+        if (itemExists(path)) remaining.append(displayPath(path.mid(path.lastIndexOf('/') + 1)));
     if (!remaining.isEmpty()) {
         fail(QString("The volume \"%1\" was reformatted, but these entries could not be erased: %2.")
                  .arg(m_wipe->selectVolumeObj.volumeName, remaining.join(", ")));
