@@ -2,9 +2,13 @@
 
 #include "engine/erase/EraserLevel.h"
 #include "engine/platform/NotificationCenter.h"
+#include "engine/update/HttpGet.h"
+#include "engine/update/UpdateCheck.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/app/SingleInstance.h"
+#include "gui/app/UpdateViewController.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QFontDatabase>
 #include <QProxyStyle>
@@ -71,15 +75,34 @@ bool AppDelegate::applicationDidFinishLaunching() {
     m_mainWindowController->raise();
     m_mainWindowController->activateWindow();
 
-    (void)QtConcurrent::run(&AppDelegate::toCheckUpdate);
+    if (UpdateCheck::hasUpdateAddress())
+        connect(m_mainWindowController->addMenuAction("Check for Updates…"), &QAction::triggered, this,
+                &AppDelegate::checkUpdateAction);
+    startUpdateCheck();
     return true;
 }
 
-void AppDelegate::toCheckUpdate() {}
+void AppDelegate::startUpdateCheck() {
+    if (!UpdateCheck::checksAtLaunch()) return;
+    connect(&m_updateCheck, &QFutureWatcher<QVariantMap>::finished, this, [this] {
+        if (!m_updateCheck.result().isEmpty()) checkUpdateAction();
+    });
+    m_updateCheck.setFuture(QtConcurrent::run(&AppDelegate::toCheckUpdate));
+}
+
+QVariantMap AppDelegate::toCheckUpdate() { return UpdateCheck::newerReleaseAtLaunch(); }
+
+void AppDelegate::checkUpdateAction() {
+    if (!m_mainWindowController) return;
+    if (m_updateViewController) m_updateViewController->closeWindow();
+    m_updateViewController = UpdateViewController::showOn(m_mainWindowController);
+}
 
 void AppDelegate::applicationWillTerminate() {
     if (m_terminated) return;
     m_terminated = true;
+    // A check still waiting for the network must not hold the process at exit.
+    abandonHttpGets();
     if (m_mainWindowController) m_mainWindowController->removeFolderInWipeVolumes();
     disconnect(NotificationCenter::defaultCenter(), nullptr, this, nullptr);
     if (m_mainWindowController) m_mainWindowController->hide();

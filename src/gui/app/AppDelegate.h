@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QFutureWatcher>
 #include <QObject>
 #include <QPointer>
+#include <QVariantMap>
 
 namespace velmora {
 
 class MainWindowController;
 class SingleInstance;
+class UpdateViewController;
 
 // The application object's delegate: start-up (default level, fonts, single
 // instance, main window, update check) and the tidy-up at exit.
@@ -25,14 +28,20 @@ public:
     bool checkAppDuplicateAndBringToFrontWithBundle(const QString& bundleIdentifier);
     MainWindowController* mainWindowController() const;
 
-    // The update check's entry point, run off the main thread; it does nothing yet.
-    static void toCheckUpdate();
+    // The launch-time update check, run off the main thread: the remote update list
+    // when it offers a newer build and the network answers, else an empty map.
+    static QVariantMap toCheckUpdate();
+    // Shows the update panel on the main window (main thread); an earlier one is closed.
+    void checkUpdateAction();
 
 private:
     void writRegularFont();
+    void startUpdateCheck();
 
     SingleInstance* m_singleInstance = nullptr;
     QPointer<MainWindowController> m_mainWindowController;
+    QPointer<UpdateViewController> m_updateViewController;
+    QFutureWatcher<QVariantMap> m_updateCheck;
     bool m_terminated = false;
 };
 

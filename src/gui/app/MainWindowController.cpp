@@ -5,12 +5,14 @@
 #include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/erase/FileEraserViewController.h"
 #include "gui/volumes/WipeDiskViewController.h"
+#include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
 
 #include <QApplication>
 #include <QGraphicsDropShadowEffect>
 #include <QLabel>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -55,7 +57,11 @@ QPushButton* windowButton(const QColor& colour, const QString& tip, QWidget* par
 }  // namespace
 
 MainWindowController::MainWindowController(QWidget* parent)
-    : QWidget(parent), m_sidebar(new QWidget(this)), m_pageArea(new QWidget(this)) {
+    : QWidget(parent),
+      m_sidebar(new QWidget(this)),
+      m_pageArea(new QWidget(this)),
+      m_applicationMenu(new QMenu(this)),
+      m_menuButton(new ImageToggle("ic_menu", m_sidebar, 24)) {
     setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
     setAttribute(Qt::WA_TranslucentBackground);
     setFixedSize(kSidebarWidth + kPageWidth, kPageHeight);
@@ -73,6 +79,13 @@ MainWindowController::MainWindowController(QWidget* parent)
     auto* minimise = windowButton(QColor(0xE8, 0xA9, 0x3A), "Minimize", m_sidebar);
     minimise->move(38, 16);
     connect(minimise, &QPushButton::clicked, this, &QWidget::showMinimized);
+
+    m_menuButton->setToolTip("Menu");
+    m_menuButton->move(kSidebarWidth - 38, 10);
+    m_menuButton->hide();
+    connect(m_menuButton, &ImageToggle::clicked, this, [this] {
+        m_applicationMenu->popup(m_menuButton->mapToGlobal(QPoint(0, m_menuButton->height())));
+    });
 
     QLabel* name = Style::label("Velmora\nData Eraser", 15, false, true);
     name->setParent(m_sidebar);
@@ -185,6 +198,11 @@ void MainWindowController::canChangeType(bool canChange) {
 
 void MainWindowController::removeFolderInWipeVolumes() {
     sendIfResponds(m_allBaseViewArr.at(1), "endAppRemoveFolder");
+}
+
+QAction* MainWindowController::addMenuAction(const QString& text) {
+    m_menuButton->show();
+    return m_applicationMenu->addAction(text);
 }
 
 void MainWindowController::paintEvent(QPaintEvent*) {

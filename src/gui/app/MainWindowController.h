@@ -3,8 +3,12 @@
 #include <QList>
 #include <QWidget>
 
+class QAction;
+class QMenu;
+
 namespace velmora {
 
+class ImageToggle;
 class SidebarButton;
 
 // The main window: the sidebar of eight tools and the six page slots. Tags
@@ -24,6 +28,11 @@ public:
     void mouseClickAction(int tag);
     void canChangeType(bool canChange);
     void removeFolderInWipeVolumes();
+    // Adds an entry to the application menu, which the sidebar's menu button opens;
+    // the button shows once the menu has an entry.
+    QAction* addMenuAction(const QString& text);
+    QMenu* applicationMenu() const { return m_applicationMenu; }
+    ImageToggle* menuButton() const { return m_menuButton; }
 
     int indexSelectView() const { return m_indexSelectView; }
     const QList<SidebarButton*>& allTypeButArr() const { return m_allTypeButArr; }
@@ -44,6 +53,8 @@ private:
 
     QWidget* m_sidebar;
     QWidget* m_pageArea;
+    QMenu* m_applicationMenu;
+    ImageToggle* m_menuButton;
     QList<SidebarButton*> m_allTypeButArr;
     QList<QWidget*> m_allBaseViewArr;
     int m_indexSelectView = 0;

@@ -1,6 +1,7 @@
 #include "gui/erase/SetEraserLevelVC.h"
 
 #include "engine/erase/EraserLevel.h"
+#include "engine/update/UpdateCheck.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/SlidePanel.h"
@@ -56,6 +57,7 @@ SetEraserLevelVC::SetEraserLevelVC(QWidget* parent) : QWidget(parent) {
     grid->setColumnStretch(1, 1);
     layout->addLayout(grid);
     layout->addStretch();
+    if (UpdateCheck::hasUpdateAddress()) addUpdateCheckRow(layout);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
@@ -69,6 +71,25 @@ SetEraserLevelVC::SetEraserLevelVC(QWidget* parent) : QWidget(parent) {
     layout->addLayout(buttons);
 }
 
+void SetEraserLevelVC::addUpdateCheckRow(QVBoxLayout* layout) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(14);
+    m_updateCheckBox = new ImageToggle("checkbox_no", this, 18);
+    m_updateCheckBox->setObjectName("checkUpdates");
+    connect(m_updateCheckBox, &ImageToggle::clicked, this, &SetEraserLevelVC::updateCheckBoxAction);
+    row->addWidget(m_updateCheckBox);
+    row->addWidget(Style::label("Check for updates at start-up", 14), 1);
+    layout->addLayout(row);
+    layout->addSpacing(12);
+}
+
+void SetEraserLevelVC::updateCheckBoxAction() { setChecksForUpdates(!m_checksForUpdates); }
+
+void SetEraserLevelVC::setChecksForUpdates(bool checks) {
+    m_checksForUpdates = checks;
+    if (m_updateCheckBox) m_updateCheckBox->setImageName(checks ? "checkbox_yes" : "checkbox_no");
+}
+
 SetEraserLevelVC* SetEraserLevelVC::showIn(SlidePanel* container) {
     auto* panel = new SetEraserLevelVC;
     container->setContent(panel);
@@ -78,7 +99,10 @@ SetEraserLevelVC* SetEraserLevelVC::showIn(SlidePanel* container) {
     return panel;
 }
 
-void SetEraserLevelVC::setEraserLevelSelect() { setLevelStr(QString::asprintf("%d", EraserLevel::stored())); }
+void SetEraserLevelVC::setEraserLevelSelect() {
+    setLevelStr(QString::asprintf("%d", EraserLevel::stored()));
+    setChecksForUpdates(UpdateCheck::launchCheckSetting());
+}
 
 void SetEraserLevelVC::setLevelStr(const QString& level) {
     for (ImageToggle* button : std::as_const(m_buttons)) button->setImageName("radiobutton_no");
@@ -90,6 +114,7 @@ void SetEraserLevelVC::buttonAction(const QString& identifier) { setLevelStr(ide
 
 void SetEraserLevelVC::saveButtonAction() {
     EraserLevel::store(m_eraserLevel.toInt());
+    if (m_updateCheckBox) UpdateCheck::setLaunchCheckSetting(m_checksForUpdates);
     cancelButtonAction();
 }
 
