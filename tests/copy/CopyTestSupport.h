@@ -41,8 +41,8 @@ inline CopyRun runCopy(const QString& sourceRoot, const FileNodeList& nodes, con
     EXPECT_TRUE(copy.setSourceRoot(sourceRoot, &error)) << error.toStdString();
     copy.setVerifyAfterCopying(verify);
     QEventLoop loop;
-    QObject::connect(&copy, &DoCopyFiles::topCopyProgress, &loop, [&run](float percent) { run.progress.push_back(percent); },
-                     Qt::DirectConnection);
+    // Queued to this thread: nested folders report from tasks of their own.
+    QObject::connect(&copy, &DoCopyFiles::topCopyProgress, &loop, [&run](float percent) { run.progress.push_back(percent); });
     QObject::connect(&copy, &DoCopyFiles::copyEnded, &loop, [&] {
         run.result = copy.result();
         loop.quit();

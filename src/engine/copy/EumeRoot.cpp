@@ -44,14 +44,20 @@ bool EumeRoot::isScanning() const {
 }
 
 void EumeRoot::startRootListing(const QString& path, bool measureFolders) {
+    // A listing still under way belongs to an earlier root: it ends, and what it still
+    // hands over is dropped.
+    stopScan();
+    for (QFuture<void>& task : m_tasks) task.waitForFinished();
     m_stop = false;
+    m_sizes.resume();
     m_toList = 0;
     m_listed = 0;
-    track(QtConcurrent::run([this, path, measureFolders] {
+    const int generation = ++m_generation;
+    track(QtConcurrent::run([this, path, measureFolders, generation] {
         struct stat status {};
         const UniqueFd probe(openLongPath(nativePath(path), O_PATH | O_NOFOLLOW | O_CLOEXEC));
         if (!probe.valid() || fstat(probe.get(), &status) != 0) {
-            QMetaObject::invokeMethod(this, &EumeRoot::endScan, Qt::QueuedConnection);
+            endScanOf(generation);
             return;
         }
         if (!S_ISDIR(status.st_mode)) {
@@ -59,18 +65,25 @@ void EumeRoot::startRootListing(const QString& path, bool measureFolders) {
             const qsizetype slash = path.lastIndexOf('/');
             auto node = std::make_shared<FileNode>(path, path.mid(slash + 1), false, nullptr);
             m_sizes.measure(*node);
-            QMetaObject::invokeMethod(this, [this, node] { addToRootArr(node); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(this, [this, node, generation] { addToRootArr(node, generation); }, Qt::QueuedConnection);
         } else {
-            listFolder(path, nullptr, measureFolders, [this](const FileNodePtr& node) {
-                QMetaObject::invokeMethod(this, [this, node] { addToRootArr(node); }, Qt::QueuedConnection);
+            listFolder(path, nullptr, measureFolders, [this, generation](const FileNodePtr& node) {
+                QMetaObject::invokeMethod(this, [this, node, generation] { addToRootArr(node, generation); },
+                                          Qt::QueuedConnection);
             });
         }
-        QMetaObject::invokeMethod(this, &EumeRoot::endScan, Qt::QueuedConnection);
+        endScanOf(generation);
     }));
 }
 
-void EumeRoot::addToRootArr(const FileNodePtr& node) {
-    if (!m_rootArr) return;
+void EumeRoot::endScanOf(int generation) {
+    QMetaObject::invokeMethod(this, [this, generation] {
+        if (generation == m_generation) emit endScan();
+    }, Qt::QueuedConnection);
+}
+
+void EumeRoot::addToRootArr(const FileNodePtr& node, int generation) {
+    if (!m_rootArr || generation != m_generation) return;
     // Folders are appended as they are met and only placed by size when the array is sorted.
     if (node->isDirectory || m_rootArr->isEmpty())
         m_rootArr->append(node);

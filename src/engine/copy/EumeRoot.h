@@ -63,7 +63,8 @@ signals:
 
 private:
     void startRootListing(const QString& path, bool measureFolders);
-    void addToRootArr(const FileNodePtr& node);
+    void addToRootArr(const FileNodePtr& node, int generation);
+    void endScanOf(int generation);  // from the background: endScan unless a newer listing began
     void waitWhilePaused() const;
     void track(QFuture<void> task);
 
@@ -74,6 +75,7 @@ private:
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_pause{false};
     QList<QFuture<void>> m_tasks;
+    int m_generation = 0;  // of the root listing; changed on this object's thread only
 };
 
 }  // namespace velmora

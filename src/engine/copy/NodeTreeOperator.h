@@ -22,6 +22,7 @@ public:
     void measure(FileNode& node) const;
 
     void stop() { m_stopped.store(true, std::memory_order_relaxed); }
+    void resume() { m_stopped.store(false, std::memory_order_relaxed); }
     bool isStopped() const { return m_stopped.load(std::memory_order_relaxed); }
 
     // The bytes of the regular files below an open folder, on its own mount only.
