@@ -1,7 +1,7 @@
 #include "Screenshot.h"
 #include "engine/erase/EraserLevel.h"
 #include "gui/app/MainWindowController.h"
-#include "gui/app/PlaceholderPage.h"
+#include "gui/volumes/RepairDiskViewController.h"
 #include "gui/volumes/WipeDiskViewController.h"
 #include "gui/erase/SetEraserLevelVC.h"
 #include "gui/widgets/ImageToggle.h"
@@ -76,7 +76,8 @@ private slots:
 
         window.mouseClickAction(4);  // "Disk Tool": another page, slides
         QTRY_COMPARE_WITH_TIMEOUT(window.allBaseViewArr().at(2)->pos(), QPoint(0, 0), 2000);
-        QCOMPARE(qobject_cast<PlaceholderPage*>(window.allBaseViewArr().at(2))->title(), QString("Disk Tool"));
+        QCOMPARE(qobject_cast<RepairDiskViewController*>(window.allBaseViewArr().at(2))->titleLabel()->text(),
+                 QString("Disk Tool"));
         QTRY_VERIFY(!diskWipe->isVisible());
         saveScreenshot(&window, "shell_disk_tool");
     }

@@ -4,6 +4,7 @@
 #include "gui/app/PlaceholderPage.h"
 #include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/erase/FileEraserViewController.h"
+#include "gui/volumes/RepairDiskViewController.h"
 #include "gui/volumes/WipeDiskViewController.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/SidebarButton.h"
@@ -109,6 +110,8 @@ void MainWindowController::addPages() {
                             ? static_cast<QWidget*>(new FileEraserViewController(this, m_pageArea))
                         : m_allBaseViewArr.size() == 1
                             ? static_cast<QWidget*>(new WipeDiskViewController(this, m_pageArea))
+                        : m_allBaseViewArr.size() == 2
+                            ? static_cast<QWidget*>(new RepairDiskViewController(this, m_pageArea))
                         : m_allBaseViewArr.size() == 5
                             ? static_cast<QWidget*>(new SameFileDeleteViewController(this, m_pageArea))
                             : new PlaceholderPage(pageTitles, m_pageArea);

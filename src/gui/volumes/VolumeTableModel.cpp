@@ -15,7 +15,7 @@ QString VolumeTableModel::identifier(int column) {
 }
 
 int VolumeTableModel::columnWidth(int column) {
-    static constexpr int kWidths[] = {40, 300, 136, 128, 128};
+    static constexpr int kWidths[] = {40, 280, 156, 128, 128};
     return (column >= 0 && column < ColumnCount) ? kWidths[column] : 0;
 }
 
@@ -45,7 +45,8 @@ QVariant VolumeTableModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
         switch (column) {
         case Name: return volume.volumeName;
-        case Type: return volume.volumeType;
+        // The disk tool's scan names the file system in diskType instead.
+        case Type: return volume.volumeType.isEmpty() ? volume.diskType : volume.volumeType;
         case TotalSize: return volume.volumeTotalSize;
         case FreeSize: return volume.volumeFreeSize;
         default: return {};

@@ -1,0 +1,326 @@
+// The "Disk Format" / "Disk Tool" page on real volumes: an ext4 file system on a
+// loop device is listed, renamed, formatted and ejected through the page.
+#include "support/ChildProcess.h"
+#include "support/LoopVolume.h"
+#include "erasepage/PanelScreenshot.h"
+#include "TempDataDir.h"
+#include "engine/volumes/FormatChoices.h"
+#include "gui/app/MainWindowController.h"
+#include "gui/volumes/EidtNameViewcontroller.h"
+#include "gui/volumes/FormatEndViewController.h"
+#include "gui/volumes/FormatTypeViewController.h"
+#include "gui/volumes/MakeSureFormatViewController.h"
+#include "gui/volumes/RepairDiskViewController.h"
+#include "gui/volumes/VolumeTableModel.h"
+#include "gui/widgets/MLCircularIndicator.h"
+#include "gui/widgets/PanelContent.h"
+#include "gui/widgets/SidebarButton.h"
+#include "gui/widgets/Style.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QTest>
+#include <memory>
+
+using namespace velmora;
+using velmora::test::LoopVolume;
+
+namespace {
+
+bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 60000) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        if (clock.hasExpired(timeoutMs)) return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(5);
+    }
+    return true;
+}
+
+void serveEventsFor(int ms) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!clock.hasExpired(ms)) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+int rowOfDevice(const RepairDiskViewController* page, const QString& device) {
+    for (int row = 0; row < page->allVolumeArr().size(); ++row)
+        if (page->allVolumeArr().at(row).volumePath == device) return row;
+    return -1;
+}
+
+QString cell(const RepairDiskViewController* page, int row, int column) {
+    return page->tableView()->model()->index(row, column).data().toString();
+}
+
+void clickRow(RepairDiskViewController* page, int row) {
+    QTableView* table = page->tableView();
+    table->scrollTo(table->model()->index(row, VolumeTableModel::Name));
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
+                      table->visualRect(table->model()->index(row, VolumeTableModel::Name)).center());
+}
+
+// What blkid reads from the device itself: "TYPE LABEL".
+std::string blkidTypeAndLabel(const std::string& device) {
+    const auto value = [&](const char* tag) {
+        std::string out = test::runProcess({"blkid", "-p", "-o", "value", "-s", tag, device}).out;
+        while (!out.empty() && out.back() == '\n') out.pop_back();
+        return out;
+    };
+    return value("TYPE") + " " + value("LABEL");
+}
+
+}  // namespace
+
+class RepairDiskPageTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        QFont font = QApplication::font();
+        font.setPointSize(12);
+        QApplication::setFont(font);
+        Style::apply(*qApp);
+    }
+
+    void init() {
+        if (const std::string why = test::loopDevicesUnavailable(); !why.empty()) QSKIP(why.c_str());
+        m_volume = std::make_unique<LoopVolume>(64);
+        m_label = QString::fromStdString(test::uniqueLabel("VELDISK"));
+        std::string mountPoint;
+        const std::string problem = m_volume->formatAndMount("ext4", m_label.toStdString(), mountPoint);
+        QVERIFY2(problem.empty(), problem.c_str());
+        m_device = QString::fromStdString(m_volume->node());
+        m_window = std::make_unique<MainWindowController>();
+        m_window->show();
+        m_page = qobject_cast<RepairDiskViewController*>(m_window->allBaseViewArr().at(2));
+        QVERIFY(m_page);
+    }
+
+    void cleanup() {
+        m_window.reset();
+        m_volume.reset();
+    }
+
+    // "Disk Tool": the list, the buttons of the mode, a rename to a name full of shell
+    // characters (written as it is, nothing run), Escape and a refused name that leaves
+    // the listed name alone, then "Eject".
+    void diskToolRenamesAndEjects() {
+        QVERIFY(openMode(4));
+        QCOMPARE(m_page->titleLabel()->text(), QString("Disk Tool"));
+        const int row = rowOfDevice(m_page, m_device);
+        QCOMPARE(cell(m_page, row, VolumeTableModel::Name), m_label);
+        QCOMPARE(cell(m_page, row, VolumeTableModel::Type), QString("ext4"));
+        QVERIFY(!m_page->renameButton()->isEnabled());
+        clickRow(m_page, row);
+        QVERIFY(settled());
+        QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(m_label));
+        QVERIFY(m_page->renameButton()->isVisible() && m_page->renameButton()->isEnabled());
+        QVERIFY(!m_page->formatButton()->isVisible());
+        QVERIFY(m_page->selectVolume().bCanEject);  // a loop device
+        QVERIFY(m_page->ejectButton()->isVisible());
+        QCOMPARE(m_page->renameButton()->text(), QString("Rename"));
+        QCOMPARE(m_page->renameButton()->font().pointSize(), 16);
+        QVERIFY(saveScreenshot(m_window.get(), "disk_tool_list"));
+
+        // Escape closes the sheet; nothing is renamed.
+        QTest::mouseClick(m_page->renameButton(), Qt::LeftButton);
+        QVERIFY(m_page->editNamePanel() && m_page->editNamePanel()->isVisible());
+        QCOMPARE(m_page->editNamePanel()->nameField()->text(), m_label);
+        QTest::keyClick(m_page->editNamePanel(), Qt::Key_Escape);
+        QVERIFY(waitUntil([this] { return !m_page->editNamePanel(); }, 2000));
+        QVERIFY(!m_page->diskTool()->isRunning());
+
+        // Enter in the field saves the name exactly as typed.
+        const QString shellName = "new;name \"$(x)'";
+        QVERIFY(settled());
+        QTest::mouseClick(m_page->renameButton(), Qt::LeftButton);
+        EidtNameViewcontroller* sheet = m_page->editNamePanel();
+        sheet->nameField()->selectAll();
+        QTest::keyClicks(sheet->nameField(), shellName);
+        QCOMPARE(sheet->editStr(), shellName);
+        QVERIFY(saveScreenshotWith(m_window.get(), sheet, "disk_tool_rename_sheet"));
+        QTest::keyClick(sheet->nameField(), Qt::Key_Return);
+        QVERIFY(waitUntil([&] {
+            const int listed = rowOfDevice(m_page, m_device);
+            return !m_page->isScanV() && listed >= 0 && cell(m_page, listed, VolumeTableModel::Name) == shellName;
+        }));
+        QVERIFY(!m_page->formatEndPanel());
+        QCOMPARE(blkidTypeAndLabel(m_volume->node()), "ext4 " + shellName.toStdString());
+        QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(shellName));
+
+        // 17 bytes do not fit an ext4 label: refused with the reason, the listed name stays.
+        QVERIFY(settled());
+        QTest::mouseClick(m_page->renameButton(), Qt::LeftButton);
+        sheet = m_page->editNamePanel();
+        sheet->nameField()->selectAll();
+        QTest::keyClicks(sheet->nameField(), "seventeen-bytes-x");
+        QVERIFY(!sheet->hintLabel()->text().isEmpty());
+        QTest::mouseClick(sheet->saveButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return m_page->formatEndPanel() != nullptr; }, 20000));
+        FormatEndViewController* end = m_page->formatEndPanel();
+        QVERIFY(!end->succeeded());
+        QVERIFY2(PanelContent::messageLabel(end)->text().contains("16"), qPrintable(PanelContent::messageLabel(end)->text()));
+        QVERIFY(settled());
+        QCOMPARE(cell(m_page, rowOfDevice(m_page, m_device), VolumeTableModel::Name), shellName);
+        QCOMPARE(blkidTypeAndLabel(m_volume->node()), "ext4 " + shellName.toStdString());
+        QVERIFY(saveScreenshotWith(m_window.get(), end, "disk_tool_rename_failed"));
+        QTest::keyClick(end, Qt::Key_Return);
+        QVERIFY(waitUntil([this] { return !m_page->formatEndPanel(); }, 2000));
+
+        QVERIFY(settled());
+        QTest::mouseClick(m_page->ejectButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return !m_page->isScanV() && rowOfDevice(m_page, m_device) < 0; }));
+        QVERIFY(!m_page->formatEndPanel());
+        QVERIFY(m_volume->mountPoints().empty());
+        QVERIFY(!m_page->ejectButton()->isEnabled());
+    }
+
+    // "Disk Format": the confirmation with the engine's type list, Enter that only
+    // cancels, a real format as FAT32 with the sidebar locked, and the end view after
+    // the rescan; a name exFAT cannot take ends in the end view as a failure.
+    void diskFormatFormatsThroughTheConfirmation() {
+        QVERIFY(openMode(3));
+        QCOMPARE(m_page->titleLabel()->text(), QString("Disk Format"));
+        QVERIFY(!m_page->renameButton()->isVisible() && !m_page->ejectButton()->isVisible());
+        clickRow(m_page, rowOfDevice(m_page, m_device));
+        QVERIFY(settled());
+        QVERIFY(m_page->formatButton()->isVisible() && m_page->formatButton()->isEnabled());
+        QVERIFY(saveScreenshot(m_window.get(), "disk_format_list"));
+
+        // Enter goes to "Cancel": the volume is not formatted.
+        MakeSureFormatViewController* confirm = openConfirmation();
+        QVERIFY(confirm);
+        QTest::keyClick(confirm, Qt::Key_Return);
+        QVERIFY(waitUntil([this] { return !m_page->makeSureFormatPanel(); }, 2000));
+        QVERIFY(!m_page->diskTool()->isRunning());
+
+        QVERIFY(settled());
+        confirm = openConfirmation();
+        QVERIFY(confirm);
+        QCOMPARE(confirm->nameField()->text(), m_label);
+        QCOMPARE(confirm->typeText(), QString("ext4"));
+        QVERIFY(!confirm->typeFixed() && confirm->typeButton()->isEnabled() && confirm->typeArrow()->isVisibleTo(confirm));
+        QTest::mouseClick(confirm->typeButton(), Qt::LeftButton);
+        FormatTypeViewController* list = confirm->typeList();
+        QVERIFY(list && list->isVisible());
+        QStringList offered;
+        for (QAction* item : list->actions()) offered.append(item->text());
+        QStringList expected;
+        for (const FormatChoice& choice : formatChoices()) expected.append(choice.typeText);
+        QCOMPARE(offered, expected);
+        QVERIFY(offered.contains("MS-DOS FAT32") && offered.contains("ExFAT") && offered.contains("ext4"));
+        QVERIFY(list->actionForType(3)->isChecked());
+        QVERIFY(saveScreenshotWith(m_window.get(), {confirm, list}, "disk_format_type_list"));
+        list->actionForType(1)->trigger();
+        list->close();
+        QCOMPARE(confirm->typeButton()->text(), QString("MS-DOS FAT32"));
+        confirm->nameField()->selectAll();
+        QTest::keyClicks(confirm->nameField(), "backup disk 2024");
+        QCOMPARE(confirm->nameHint()->text(), QString("The volume will be named \"BACKUP DISK\"."));
+        QVERIFY(saveScreenshotWith(m_window.get(), confirm, "disk_format_confirmation"));
+
+        QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
+        QVERIFY(m_page->diskTool()->isRunning());
+        QVERIFY(!m_window->allTypeButArr().at(0)->isEnabled());
+        QVERIFY(!m_page->formatButton()->isEnabled());
+        QVERIFY(waitUntil([this] { return m_page->formatEndPanel() != nullptr; }, 120000));
+        FormatEndViewController* end = m_page->formatEndPanel();
+        QVERIFY2(end->succeeded(), qPrintable(PanelContent::messageLabel(end)->text()));
+        QVERIFY(m_window->allTypeButArr().at(0)->isEnabled());
+        // The end view comes after the rescan: the list already shows the new volume
+        // (unless a volume mounted elsewhere started another scan meanwhile).
+        QVERIFY(settled());
+        const int row = rowOfDevice(m_page, m_device);
+        QCOMPARE(cell(m_page, row, VolumeTableModel::Name), QString("BACKUP DISK"));
+        QCOMPARE(cell(m_page, row, VolumeTableModel::Type), QString("MS-DOS FAT32"));
+        QCOMPARE(blkidTypeAndLabel(m_volume->node()), std::string("vfat BACKUP DISK"));
+        QVERIFY(PanelContent::messageLabel(end)->text().contains("BACKUP DISK"));
+        QVERIFY(saveScreenshotWith(m_window.get(), end, "disk_format_end"));
+        QTest::mouseClick(end->okButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return !m_page->formatEndPanel(); }, 2000));
+
+        // exFAT holds 15 UTF-16 units: a longer name is refused, the volume is untouched.
+        QVERIFY(settled());
+        clickRow(m_page, rowOfDevice(m_page, m_device));
+        QVERIFY(settled());
+        confirm = openConfirmation();
+        QVERIFY(confirm);
+        confirm->selectFormatbyType(0);
+        QCOMPARE(confirm->typeText(), QString("ExFAT"));
+        confirm->nameField()->selectAll();
+        QTest::keyClicks(confirm->nameField(), "a name far too long");
+        QVERIFY(!confirm->nameHint()->text().isEmpty());
+        QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return m_page->formatEndPanel() != nullptr; }, 20000));
+        end = m_page->formatEndPanel();
+        QVERIFY(!end->succeeded());
+        QVERIFY(PanelContent::messageLabel(end)->text().contains("BACKUP DISK"));
+        QCOMPARE(blkidTypeAndLabel(m_volume->node()), std::string("vfat BACKUP DISK"));
+        QVERIFY(m_window->allTypeButArr().at(0)->isEnabled());
+        QVERIFY(saveScreenshotWith(m_window.get(), end, "disk_format_failed"));
+        QTest::keyClick(end, Qt::Key_Escape);
+        QVERIFY(waitUntil([this] { return !m_page->formatEndPanel(); }, 2000));
+    }
+
+    // The startup volume never offers "Format"; in "Disk Tool" a volume that is not
+    // ejectable never offers "Eject".
+    void startupVolumeHasNoFormatButton() {
+        QVERIFY(openMode(3));
+        if (startupRow() < 0) QSKIP("SKIPPED: the system root is not mounted from a block device here, so it is not listed");
+        clickRow(m_page, startupRow());
+        QVERIFY(settled());
+        QCOMPARE(m_page->selectVolume().volumeMountPoint, QString("/"));
+        QVERIFY(!m_page->formatButton()->isVisible());
+        m_page->formatButtonAction();
+        QVERIFY(!m_page->makeSureFormatPanel());
+        QVERIFY(openMode(4));
+        clickRow(m_page, startupRow());
+        QVERIFY(settled());
+        QVERIFY(m_page->renameButton()->isVisible());
+        QCOMPARE(m_page->ejectButton()->isVisible(), m_page->selectVolume().bCanEject);
+    }
+
+private:
+    // Chooses a sidebar entry of the page and waits for the rescanned list with the test volume.
+    bool openMode(int tag) {
+        m_window->mouseClickAction(tag);
+        serveEventsFor(600);  // the pages' slide ends
+        return settled();
+    }
+
+    // Other tests on this machine mount volumes too, and every mount rescans the list:
+    // waits until no scan runs and the test volume is listed.
+    bool settled() {
+        return waitUntil([this] { return !m_page->isScanV() && rowOfDevice(m_page, m_device) >= 0; });
+    }
+
+    int startupRow() const {
+        for (int row = 0; row < m_page->allVolumeArr().size(); ++row)
+            if (m_page->allVolumeArr().at(row).volumeMountPoint == "/") return row;
+        return -1;
+    }
+
+    MakeSureFormatViewController* openConfirmation() {
+        QTest::mouseClick(m_page->formatButton(), Qt::LeftButton);
+        MakeSureFormatViewController* confirm = m_page->makeSureFormatPanel();
+        if (!confirm || !confirm->isVisible()) return nullptr;
+        // The name field takes keys once the panel is up.
+        return waitUntil([confirm] { return !confirm->nameField()->isReadOnly(); }, 2000) ? confirm : nullptr;
+    }
+
+    TempDataDir m_data;
+    std::unique_ptr<LoopVolume> m_volume;
+    QString m_label;
+    QString m_device;
+    std::unique_ptr<MainWindowController> m_window;
+    RepairDiskViewController* m_page = nullptr;
+};
+
+QTEST_MAIN(RepairDiskPageTest)
+#include "repair_disk_page_test.moc"
