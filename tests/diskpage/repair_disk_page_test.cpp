@@ -10,6 +10,7 @@
 #include "gui/volumes/FormatEndViewController.h"
 #include "gui/volumes/FormatTypeViewController.h"
 #include "gui/volumes/MakeSureFormatViewController.h"
+#include "gui/volumes/NTFSViewController.h"
 #include "gui/volumes/RepairDiskViewController.h"
 #include "gui/volumes/VolumeTableModel.h"
 #include "gui/widgets/MLCircularIndicator.h"
@@ -266,6 +267,40 @@ private slots:
         QVERIFY(saveScreenshotWith(m_window.get(), end, "disk_format_failed"));
         QTest::keyClick(end, Qt::Key_Escape);
         QVERIFY(waitUntil([this] { return !m_page->formatEndPanel(); }, 2000));
+    }
+
+    // An NTFS volume can only be erased as FAT32 named NEW, an APFS volume only be
+    // reformatted in place: the type is fixed (dimmed, no arrow, no list) and the
+    // confirmation says so, with the guide's links; the name typed is not taken.
+    void ntfsAndApfsVolumesHaveAFixedTypeAndTheirNotice() {
+        const struct {
+            const char* diskType;
+            const char* typeText;
+            const char* link;
+        } cases[] = {{"NTFS", "MS-DOS FAT32", NTFSViewController::kGuideUrl},
+                     {"APFS", "APFS", MakeSureFormatViewController::kApfsArticleUrl}};
+        QVERIFY(openMode(3));
+        for (const auto& fixed : cases) {
+            auto* confirm = new MakeSureFormatViewController(formatChoices(), m_page);
+            confirm->setName("WINDISK", fixed.diskType);
+            confirm->open();
+            QCOMPARE(confirm->typeText(), QString(fixed.typeText));
+            QVERIFY(confirm->typeFixed());
+            QVERIFY(!confirm->typeButton()->isEnabled());
+            QVERIFY(!confirm->typeArrow()->isVisibleTo(confirm));
+            QVERIFY(confirm->noticeLabel()->isVisibleTo(confirm));
+            QVERIFY(confirm->noticeLabel()->text().contains(fixed.link));
+            serveEventsFor(50);
+            QVERIFY(confirm->nameField()->isReadOnly());
+            confirm->typeButtonAction();
+            QVERIFY(!confirm->typeList());
+            confirm->selectFormatbyType(0);
+            QCOMPARE(confirm->typeText(), QString(fixed.typeText));
+            if (QString(fixed.diskType) == "NTFS")
+                QVERIFY(saveScreenshotWith(m_window.get(), confirm, "disk_format_ntfs_confirmation"));
+            QTest::keyClick(confirm, Qt::Key_Escape);
+            QVERIFY(!confirm->isVisible());
+        }
     }
 
     // The startup volume never offers "Format"; in "Disk Tool" a volume that is not

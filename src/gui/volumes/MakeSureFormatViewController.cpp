@@ -74,6 +74,7 @@ MakeSureFormatViewController::MakeSureFormatViewController(const QList<FormatCho
     layout->addWidget(m_nameHint);
 
     m_noticeLabel->setObjectName("noticeLabel");
+    m_noticeLabel->setContentsMargins(62, 0, 0, 0);
     m_noticeLabel->setWordWrap(true);
     m_noticeLabel->setTextFormat(Qt::RichText);
     m_noticeLabel->setOpenExternalLinks(true);
@@ -117,10 +118,10 @@ void MakeSureFormatViewController::setName(const QString& name, const QString& d
     if (m_typeFixed) {
         // The name typed is not used for these volumes: the field stays as it is shown.
         m_noticeLabel->setText(
-            ntfs ? "This NTFS volume is erased as MS-DOS FAT32 and named NEW, whatever name is typed. " +
-                       GuideNotice::link(NTFSViewController::kGuideUrl, "check full guide >>") + "&nbsp;&nbsp;" +
+            ntfs ? "This NTFS volume is erased as MS-DOS FAT32 and named NEW, whatever name is typed.<br>" +
+                       GuideNotice::link(NTFSViewController::kGuideUrl, "check full guide >>") + "<br>" +
                        GuideNotice::link(NTFSViewController::kWindowsUrl, "Velmora Data Eraser for Windows")
-                 : "This APFS volume is reformatted in place: it keeps its name and format. " +
+                 : "This APFS volume is reformatted in place: it keeps its name and format.<br>" +
                        GuideNotice::link(kApfsArticleUrl, "Recover lost data from a system drive >>"));
         m_noticeLabel->show();
     } else {
