@@ -4,6 +4,7 @@
 #include "gui/app/PlaceholderPage.h"
 #include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/erase/FileEraserViewController.h"
+#include "gui/inter/InternetViewController.h"
 #include "gui/volumes/RepairDiskViewController.h"
 #include "gui/volumes/WipeDiskViewController.h"
 #include "gui/widgets/ImageToggle.h"
@@ -112,6 +113,8 @@ void MainWindowController::addPages() {
                             ? static_cast<QWidget*>(new WipeDiskViewController(this, m_pageArea))
                         : m_allBaseViewArr.size() == 2
                             ? static_cast<QWidget*>(new RepairDiskViewController(this, m_pageArea))
+                        : m_allBaseViewArr.size() == 4
+                            ? static_cast<QWidget*>(new InternetViewController(this, m_pageArea))
                         : m_allBaseViewArr.size() == 5
                             ? static_cast<QWidget*>(new SameFileDeleteViewController(this, m_pageArea))
                             : new PlaceholderPage(pageTitles, m_pageArea);

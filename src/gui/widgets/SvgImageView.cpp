@@ -12,6 +12,11 @@ SvgImageView::SvgImageView(const QString& imageName, QSize size, QWidget* parent
     setFixedSize(size);
 }
 
+void SvgImageView::setImageName(const QString& imageName) {
+    m_imageName = imageName;
+    update();
+}
+
 void SvgImageView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);

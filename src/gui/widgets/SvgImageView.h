@@ -11,6 +11,7 @@ class SvgImageView : public QWidget {
 public:
     SvgImageView(const QString& imageName, QSize size, QWidget* parent = nullptr);
     QString imageName() const { return m_imageName; }
+    void setImageName(const QString& imageName);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
