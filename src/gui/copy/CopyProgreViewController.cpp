@@ -1,0 +1,82 @@
+#include "gui/copy/CopyProgreViewController.h"
+
+#include "engine/platform/NativePath.h"
+#include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/SizeText.h"
+#include "gui/widgets/Style.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QVBoxLayout>
+
+namespace velmora {
+
+CopyProgreViewController::CopyProgreViewController(const QString& copyFolder, QWidget* parent)
+    : MAAttachedWindow(parent, {500, 260}),
+      m_copyFolder(copyFolder),
+      m_bar(new QProgressBar(this)),
+      m_pathLabel(Style::label("Preparing…", 12)),
+      m_bytesLabel(Style::label(QString(), 12, true)),
+      m_cancelNote(Style::label("Stopping… items already being copied are finished first.", 12)),
+      m_cancelButton(ImageSetButton::secondary("Cancel", this)) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(28, 24, 28, 22);
+    layout->setSpacing(8);
+    layout->addWidget(Style::label("Copying…", 15, false, true));
+    QLabel* into = Style::label(QString("Into %1").arg(displayPath(copyFolder)), 12, true);
+    into->setTextFormat(Qt::PlainText);
+    into->setWordWrap(true);
+    layout->addWidget(into);
+    layout->addSpacing(6);
+
+    m_bar->setRange(0, 100);
+    m_bar->setTextVisible(false);
+    m_bar->setFixedHeight(8);
+    m_bar->setStyleSheet(QString("QProgressBar { background: rgba(255,255,255,30); border: none; border-radius: 4px; }"
+                                 "QProgressBar::chunk { background: %1; border-radius: 4px; }")
+                             .arg(Style::rgba(Style::kAccent)));
+    layout->addWidget(m_bar);
+    m_pathLabel->setTextFormat(Qt::PlainText);
+    m_pathLabel->setMinimumWidth(0);
+    m_pathLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    layout->addWidget(m_pathLabel);
+    layout->addWidget(m_bytesLabel);
+    m_cancelNote->setWordWrap(true);
+    m_cancelNote->setStyleSheet("color: #E8A93A; background: transparent;");
+    m_cancelNote->hide();
+    layout->addWidget(m_cancelNote);
+    layout->addStretch(1);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    m_cancelButton->setAutoDefault(false);
+    buttons->addWidget(m_cancelButton);
+    layout->addLayout(buttons);
+    connect(m_cancelButton, &QPushButton::clicked, this, [this] {
+        m_cancelButton->setEnabled(false);
+        m_cancelNote->show();
+        emit cancelCopy();
+    });
+}
+
+void CopyProgreViewController::topCopyProgress(float percent) { m_bar->setValue(qBound(0, int(percent), 100)); }
+
+void CopyProgreViewController::topCopyFilePath(const QString& path) {
+    const QString shown = displayPath(path);
+    m_pathLabel->setToolTip(shown);
+    m_pathLabel->setText(m_pathLabel->fontMetrics().elidedText(shown, Qt::ElideMiddle, width() - 56));
+}
+
+void CopyProgreViewController::setCopiedBytes(quint64 copied, quint64 total) {
+    m_bytesLabel->setText(total > 0 && total != ~quint64(0)
+                              ? QString("%1 of %2 copied").arg(byteToSizeWithByte(copied), byteToSizeWithByte(total))
+                              : QString("%1 copied").arg(byteToSizeWithByte(copied)));
+}
+
+int CopyProgreViewController::progressValue() const { return m_bar->value(); }
+QString CopyProgreViewController::pathText() const { return m_pathLabel->toolTip(); }
+QString CopyProgreViewController::bytesText() const { return m_bytesLabel->text(); }
+
+}  // namespace velmora
