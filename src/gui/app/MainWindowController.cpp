@@ -2,6 +2,7 @@
 
 #include "engine/platform/NotificationCenter.h"
 #include "gui/app/PlaceholderPage.h"
+#include "gui/copy/DiskCopyViewController.h"
 #include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/erase/FileEraserViewController.h"
 #include "gui/inter/InternetViewController.h"
@@ -95,6 +96,7 @@ MainWindowController::MainWindowController(QWidget* parent)
 
     addPages();
     addTypeButton();
+    addDiskCopyView();
 }
 
 void MainWindowController::refreshTitle() { setWindowTitle("Velmora Data Eraser"); }
@@ -205,6 +207,17 @@ void MainWindowController::canChangeType(bool canChange) {
 void MainWindowController::removeFolderInWipeVolumes() {
     sendIfResponds(m_allBaseViewArr.at(1), "endAppRemoveFolder");
 }
+
+void MainWindowController::addDiskCopyView() {
+    m_diskCopyView = new DiskCopyViewController(this, m_pageArea);
+    m_diskCopyView->setGeometry(0, kPageHeight, kPageWidth, kPageHeight);
+    m_diskCopyView->hide();
+    QMenu* tools = m_applicationMenu->addMenu("Tools");
+    connect(tools->addAction("Copy Drive…"), &QAction::triggered, this, &MainWindowController::showDiskCopyView);
+    m_menuButton->show();
+}
+
+void MainWindowController::showDiskCopyView() { m_diskCopyView->showPage(); }
 
 QAction* MainWindowController::addMenuAction(const QString& text) {
     m_menuButton->show();

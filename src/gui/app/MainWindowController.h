@@ -8,6 +8,7 @@ class QMenu;
 
 namespace velmora {
 
+class DiskCopyViewController;
 class ImageToggle;
 class SidebarButton;
 
@@ -32,6 +33,11 @@ public:
     // the button shows once the menu has an entry.
     QAction* addMenuAction(const QString& text);
     QMenu* applicationMenu() const { return m_applicationMenu; }
+    // The drive-copy page, in its own container over the pages; no sidebar entry leads
+    // to it: the menu's Tools > Copy Drive… and the disk page's "Copy Drive" open it.
+    void addDiskCopyView();
+    void showDiskCopyView();
+    DiskCopyViewController* diskCopyView() const { return m_diskCopyView; }
     ImageToggle* menuButton() const { return m_menuButton; }
 
     int indexSelectView() const { return m_indexSelectView; }
@@ -55,6 +61,7 @@ private:
     QWidget* m_pageArea;
     QMenu* m_applicationMenu;
     ImageToggle* m_menuButton;
+    DiskCopyViewController* m_diskCopyView = nullptr;
     QList<SidebarButton*> m_allTypeButArr;
     QList<QWidget*> m_allBaseViewArr;
     int m_indexSelectView = 0;

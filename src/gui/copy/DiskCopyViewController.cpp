@@ -134,6 +134,12 @@ void DiskCopyViewController::createFooter() {
     connect(m_copyButton, &QPushButton::clicked, this, &DiskCopyViewController::cloneButtonAction);
 }
 
+SelectCopyFilesViewController* DiskCopyViewController::pickPanel() const { return m_pickPanel; }
+CopyMakeSureVC* DiskCopyViewController::makeSurePanel() const { return m_makeSurePanel; }
+CopyProgreViewController* DiskCopyViewController::copyProgressVC() const { return m_copyProgressVC; }
+CopySuccessViewController* DiskCopyViewController::successPanel() const { return m_successPanel; }
+CopyFailViewController* DiskCopyViewController::failPanel() const { return m_failPanel; }
+
 // ---- Showing the page ------------------------------------------------------
 
 void DiskCopyViewController::showPage() {

@@ -60,11 +60,11 @@ public:
     QPushButton* copyButton() const { return m_copyButton; }
     QPushButton* changePickButton() const { return m_changePickButton; }
     ImageToggle* closeButton() const { return m_closeButton; }
-    SelectCopyFilesViewController* pickPanel() const { return m_pickPanel; }
-    CopyMakeSureVC* makeSurePanel() const { return m_makeSurePanel; }
-    CopyProgreViewController* copyProgressVC() const { return m_copyProgressVC; }
-    CopySuccessViewController* successPanel() const { return m_successPanel; }
-    CopyFailViewController* failPanel() const { return m_failPanel; }
+    SelectCopyFilesViewController* pickPanel() const;
+    CopyMakeSureVC* makeSurePanel() const;
+    CopyProgreViewController* copyProgressVC() const;
+    CopySuccessViewController* successPanel() const;
+    CopyFailViewController* failPanel() const;
 
 signals:
     void pageClosed();

@@ -80,6 +80,13 @@ void RepairDiskViewController::createHeader() {
     m_subtitleLabel = Style::label(QString(), 12, true);
     m_subtitleLabel->setParent(this);
     m_subtitleLabel->setGeometry(40, 62, 680, 20);
+    // People copy a drive before they format or erase it: the drive copy opens from here.
+    QPushButton* copyDrive = ImageSetButton::secondary("Copy Drive", this);
+    copyDrive->setFixedWidth(kButtonWidth);
+    copyDrive->move(width() - kMargin - kButtonWidth, 32);
+    connect(copyDrive, &QPushButton::clicked, this, [this] {
+        if (m_superDelegate) m_superDelegate->showDiskCopyView();
+    });
 }
 
 void RepairDiskViewController::createTable() {
