@@ -2,6 +2,7 @@
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
+#include "engine/platform/NativePath.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/erase/AddFilesPanel.h"
 #include "gui/erase/DragView.h"
@@ -35,6 +36,8 @@
 #include <QTextDocumentFragment>
 #include <QTreeWidget>
 #include <QUrl>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace velmora;
@@ -50,19 +53,23 @@ void writeFile(const QString& path, qint64 size) {
         QVERIFY(file.write(chunk.constData(), qMin<qint64>(chunk.size(), size - written)) > 0);
 }
 
-// Drags local files onto a widget and drops them there, as the window system
+// Drags a "text/uri-list" onto a widget and drops it there, as the window system
 // delivers it: the drop goes to the widget that accepted the drag.
-void dropFiles(QWidget* target, const QStringList& paths) {
+void dropUriList(QWidget* target, const QByteArray& uriList) {
     QMimeData dragged;
-    QList<QUrl> urls;
-    for (const QString& path : paths) urls.append(QUrl::fromLocalFile(path));
-    dragged.setUrls(urls);
+    dragged.setData("text/uri-list", uriList);
     const QPoint inside(target->width() / 2, target->height() / 2);
     QDragEnterEvent enter(inside, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &enter);
     QVERIFY(enter.isAccepted());
     QDropEvent drop(inside, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &drop);
+}
+
+void dropFiles(QWidget* target, const QStringList& paths) {
+    QByteArray uriList;
+    for (const QString& path : paths) uriList += QUrl::fromLocalFile(path).toEncoded() + "\r\n";
+    dropUriList(target, uriList);
 }
 
 QString plainText(const QLabel* label) { return QTextDocumentFragment::fromHtml(label->text()).toPlainText(); }
@@ -411,6 +418,49 @@ private slots:
         QCOMPARE(history.size(), 1);
         QCOMPARE(history.first().at(1).value("Result"), QString("Failed"));
         saveScreenshotWith(m_window.get(), m_page->failPanel(), "erase_files_hard_link_failed");
+    }
+
+    // A file manager sends a name that is not UTF-8 percent-encoded byte for byte. The
+    // page lists it with U+FFFD for those bytes, and erases the file of the real bytes,
+    // never the file whose name reads the same.
+    void droppedNameThatIsNotTextKeepsItsBytesAndIsErased() {
+        if (!QFileInfo(secureRemoveTool()).isExecutable())
+            QSKIP(qPrintable("SKIPPED: the secure-remove tool is not built at " + secureRemoveTool()));
+        const QByteArray file = QFile::encodeName(m_scratch->path()) + "/bad\xff\xfename.txt";
+        const int fd = ::open(file.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        QVERIFY(fd >= 0);
+        QCOMPARE(::write(fd, "data", 4), ssize_t(4));
+        ::close(fd);
+        const QByteArray uri = "file://" + file.toPercentEncoding("/");
+        QVERIFY(uri.endsWith("/bad%FF%FEname.txt"));
+        dropUriList(m_page->dragView(), "# a comment line\r\n" + uri + "\r\n");
+
+        QCOMPARE(m_page->valueArr().size(), 1);
+        QCOMPARE(nativePath(m_page->valueArr().first().url), file);
+        QCOMPARE(m_page->valueArr().first().size, quint64(4));
+        const QString shown = displayPath(pathFromNative(file));
+        QVERIFY(shown.endsWith(QString::fromUtf8("/bad\uFFFD\uFFFDname.txt")));
+        const QAbstractItemModel* model = m_page->tableView()->model();
+        QCOMPARE(model->index(0, FileEraserTableModel::Name).data().toString(), shown.mid(shown.lastIndexOf('/') + 1));
+        QCOMPARE(model->index(0, FileEraserTableModel::Path).data().toString(), shown);
+        QCOMPARE(model->index(0, FileEraserTableModel::Name).data(Qt::ToolTipRole).toString(), shown);
+        QTest::qWait(600);  // the list has slid in
+        saveScreenshot(m_window.get(), "erase_files_name_not_text");
+
+        // Qt's file panel gives the name as it shows it; that stands for the real bytes while
+        // no other name shows the same.
+        const QString panelText = QString::fromUtf8(file);
+        QCOMPARE(nativePath(AddFilesPanel::pathOnDisk(panelText)), file);
+        const QByteArray lookalike = QFile::encodeName(m_scratch->path()) + "/bad\uFFFD\uFFFDname.txt";
+        QCOMPARE(::close(::open(lookalike.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600)), 0);
+        QVERIFY(AddFilesPanel::pathOnDisk(panelText).isEmpty());
+
+        m_page->makeSureToEraserSelectFiles();
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->successPanel(), 60000);
+        struct stat status;
+        QCOMPARE(::lstat(file.constData(), &status), -1);
+        QCOMPARE(::lstat(lookalike.constData(), &status), 0);
+        QCOMPARE(DoDataBase::returnDoDataBase()->getAllData().first().at(1).value("Items"), shown);
     }
 
     void sidePanelsSlideInOverThePage() {

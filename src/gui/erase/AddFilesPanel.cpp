@@ -1,8 +1,12 @@
 #include "gui/erase/AddFilesPanel.h"
 
+#include "engine/platform/NativePath.h"
+#include "engine/platform/PathStatus.h"
 #include "engine/platform/StandardPaths.h"
+#include "srm/NoFollowPath.h"
 
-#include <QFileInfo>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace velmora {
 
@@ -45,11 +49,37 @@ QString AddFilesPanel::userFolderForAdministratorFolder(const QString& folder, c
     return rest;
 }
 
+QString AddFilesPanel::pathOnDisk(const QString& chosen) {
+    if (!chosen.contains(QChar::ReplacementCharacter)) return chosen;
+    const QStringList components = chosen.split('/');
+    QString path = components.first();  // empty for an absolute path
+    for (qsizetype i = 1; i < components.size(); ++i) {
+        const QString& component = components.at(i);
+        if (!component.contains(QChar::ReplacementCharacter)) {
+            path += '/' + component;
+            continue;
+        }
+        const int folder = openLongPath(nativePath(path.isEmpty() ? QString("/") : path), O_RDONLY | O_DIRECTORY);
+        if (folder < 0) return {};
+        int error = 0;
+        QStringList fits;
+        for (const std::string& name : folderEntries(folder, error)) {
+            const QByteArray bytes = QByteArray::fromStdString(name);
+            // The same decoding that gave the panel its text.
+            if (QString::fromUtf8(bytes) == component) fits.append(pathFromNative(bytes));
+        }
+        ::close(folder);
+        if (fits.size() != 1) return {};
+        path += '/' + fits.first();
+    }
+    return path;
+}
+
 void AddFilesPanel::accept() {
     QStringList chosen;
-    for (const QString& path : selectedFiles()) {
-        const QFileInfo item(path);
-        if (item.exists() || item.isSymLink()) chosen.append(path);
+    for (const QString& selected : selectedFiles()) {
+        const QString path = pathOnDisk(selected);
+        if (!path.isEmpty() && itemExists(path)) chosen.append(path);
     }
     if (chosen.isEmpty()) return;
     QDialog::accept();

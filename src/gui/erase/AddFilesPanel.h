@@ -25,7 +25,13 @@ public:
     // of the path is kept as it stands.
     static QString userFolderForAdministratorFolder(const QString& folder, const QString& userName);
 
-    // "Add": takes every selected item, files and folders alike.
+    // The path on disk of a path the panel gave. Qt's panel shows names as text, each byte
+    // that is not text as U+FFFD, and gives that text back; a component holding U+FFFD is
+    // matched against the names of its folder, read as bytes, and stands for the one name
+    // that shows like it. Empty when no name or more than one name fits.
+    static QString pathOnDisk(const QString& chosen);
+
+    // "Add": takes every selected item, files and folders alike; an ambiguous one is left out.
     void accept() override;
 
 signals:

@@ -1,5 +1,7 @@
 #include "gui/erase/ErasureResultList.h"
 
+#include "engine/platform/NativePath.h"
+
 #include "gui/widgets/RFOverlayScroller.h"
 #include "gui/widgets/Style.h"
 
@@ -24,8 +26,8 @@ ErasureResultList::ErasureResultList(const FileObjList& results, QWidget* parent
     header()->setSectionResizeMode(1, QHeaderView::Fixed);
     header()->resizeSection(1, 70);
     for (const FileObj& record : results) {
-        auto* row = new QTreeWidgetItem(this, {record.url, record.failStr});
-        row->setToolTip(0, record.url);
+        auto* row = new QTreeWidgetItem(this, {displayPath(record.url), record.failStr});
+        row->setToolTip(0, displayPath(record.url));
         row->setFont(0, Style::regularFont(11));
         row->setFont(1, Style::boldFont(11));
         row->setForeground(0, Style::kSecondaryText);
@@ -33,9 +35,9 @@ ErasureResultList::ErasureResultList(const FileObjList& results, QWidget* parent
         if (record.failReason.isEmpty()) continue;
         // Why the item failed, on a line of its own under it.
         auto* reason = new QTreeWidgetItem(row);
-        reason->setData(0, Qt::UserRole, record.failReason);
+        reason->setData(0, Qt::UserRole, displayPath(record.failReason));
         reason->setFirstColumnSpanned(true);
-        reason->setToolTip(0, record.failReason);
+        reason->setToolTip(0, displayPath(record.failReason));
         reason->setFont(0, Style::regularFont(10));
         reason->setForeground(0, QColor(0xE8, 0xA9, 0x3A));
         row->setExpanded(true);

@@ -1,5 +1,6 @@
 #include "gui/erase/FileEraserTableModel.h"
 
+#include "engine/platform/NativePath.h"
 #include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
 
@@ -34,19 +35,21 @@ int FileEraserTableModel::rowCount(const QModelIndex& parent) const {
 int FileEraserTableModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : ColumnCount; }
 
 QIcon FileEraserTableModel::iconFor(const FileObj& record) const {
-    const QFileInfo item(record.url);
+    // The icon follows the name's text alone; Qt's file classes cannot read a name
+    // that is not UTF-8.
+    const qsizetype dot = record.name.lastIndexOf('.');
+    const QString extension = dot < 0 ? QString() : record.name.mid(dot + 1).toLower();
     if (record.isDir) {
         // An application bundle shows its own icon where the platform has one.
-        if (item.suffix() == "app") {
-            const QIcon bundle = QFileIconProvider().icon(item);
+        if (extension == "app" && !hasNonTextBytes(record.url)) {
+            const QIcon bundle = QFileIconProvider().icon(QFileInfo(record.url));
             if (!bundle.isNull()) return bundle;
         }
         return QIcon(Style::imagePath("ic_folder"));
     }
-    const QString extension = item.suffix().toLower();
     auto cached = m_iconsByExtension.constFind(extension);
     if (cached != m_iconsByExtension.constEnd()) return *cached;
-    const QMimeType type = QMimeDatabase().mimeTypeForFile(item, QMimeDatabase::MatchExtension);
+    const QMimeType type = QMimeDatabase().mimeTypeForFile(displayPath(record.name), QMimeDatabase::MatchExtension);
     const QIcon icon = QIcon::fromTheme(type.iconName(), QIcon(Style::imagePath("ic_file")));
     m_iconsByExtension.insert(extension, icon);
     return icon;
@@ -59,10 +62,10 @@ QVariant FileEraserTableModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
         switch (column) {
-        case Name: return record.name;
-        case Path: return record.url;
+        case Name: return displayPath(record.name);
+        case Path: return displayPath(record.url);
         case Size: return record.isDir ? QString("--") : byteToSizeWithByte(record.size);
-        case Type: return record.type;
+        case Type: return displayPath(record.type);
         default: return {};
         }
     case Qt::DecorationRole:
@@ -76,7 +79,7 @@ QVariant FileEraserTableModel::data(const QModelIndex& index, int role) const {
     case Qt::FontRole:
         return Style::regularFont(13);
     case Qt::ToolTipRole:
-        return record.url;
+        return displayPath(record.url);
     default:
         return {};
     }

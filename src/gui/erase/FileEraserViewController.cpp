@@ -4,6 +4,8 @@
 #include "engine/erase/PublicUtilities.h"
 #include "engine/erase/RemoveFileAndFolder.h"
 #include "engine/history/DoDataBase.h"
+#include "engine/platform/NativePath.h"
+#include "engine/platform/PathStatus.h"
 #include "engine/platform/StandardPaths.h"
 #include "engine/platform/SteadyWiperBase.h"
 #include "gui/app/MainWindowController.h"
@@ -30,7 +32,6 @@
 
 #include <QDesktopServices>
 #include <QDir>
-#include <QFileInfo>
 #include <QFutureWatcher>
 #include <QGridLayout>
 #include <QHeaderView>
@@ -53,16 +54,22 @@ constexpr int kContentTop = 100;
 constexpr int kListHiddenX = 730;
 constexpr int kSlideMs = 500;
 
-// Whether anything is left at the path, a dangling link included.
-bool existsOnDisk(const QString& path) {
-    struct stat info;
-    return lstat(QFile::encodeName(path).constData(), &info) == 0;
-}
-
 // The size of the item itself: a link counts as the link, not its target.
 quint64 itemSize(const QString& path) {
     struct stat info;
-    return lstat(QFile::encodeName(path).constData(), &info) == 0 ? quint64(info.st_size) : 0;
+    return statWithoutFollowing(nativePath(path), &info) == 0 ? quint64(info.st_size) : 0;
+}
+
+// Whether the item itself (a link is the link) is a folder.
+bool isFolder(const QString& path) {
+    struct stat info;
+    return statWithoutFollowing(nativePath(path), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+// A file URL that carries the path's bytes, percent-encoded; QUrl::fromLocalFile would
+// turn a byte that is not text into U+FFFD.
+QUrl localFileUrl(const QString& path) {
+    return QUrl::fromEncoded("file://" + nativePath(path).toPercentEncoding("/"), QUrl::StrictMode);
 }
 
 ImageToggle* headerButton(const QString& image, const QString& tip, QWidget* parent) {
@@ -239,14 +246,14 @@ void FileEraserViewController::addSelectedPaths(const QStringList& paths) {
         return;
     }
     for (const QString& chosen : paths) {
+        // cleanPath edits the text only, so the bytes of every name stay as they are.
         const QString path = QDir::cleanPath(chosen);
         // The whole system is never a candidate: the add ends here, silently.
         if (path == "/") return;
         const bool listed = std::any_of(m_valueArr.cbegin(), m_valueArr.cend(),
                                         [&path](const FileObj& record) { return record.url == path; });
         if (listed) continue;
-        const QFileInfo item(path);
-        addFileToArr(path, item.isDir() && !item.isSymLink());
+        addFileToArr(path, isFolder(path));
     }
     if (m_valueArr.isEmpty()) return;
     reloadData();
@@ -261,7 +268,7 @@ void FileEraserViewController::addFileToArr(const QString& path, bool isDir) {
         return;
     }
     FileObj record;
-    record.name = QFileInfo(path).fileName();
+    record.name = path.mid(path.lastIndexOf('/') + 1);
     record.url = path;
     record.isSelect = true;
     record.isDir = isDir;
@@ -269,7 +276,8 @@ void FileEraserViewController::addFileToArr(const QString& path, bool isDir) {
         record.type = "Folder";
     } else {
         record.size = itemSize(path);
-        record.type = QFileInfo(path).suffix();
+        const qsizetype dot = record.name.lastIndexOf('.');
+        record.type = dot < 0 ? QString() : record.name.mid(dot + 1);
     }
     m_valueArr.append(record);
     ++m_listRevision;
@@ -433,19 +441,19 @@ void FileEraserViewController::listRightMouseDown(const QPoint& viewportPosition
 void FileEraserViewController::openFileButton(int row) {
     if (row < 0 || row >= m_valueArr.size()) return;
     const QString path = m_valueArr.at(row).url;
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path))) showNotice("Cannot open file", path);
+    if (!QDesktopServices::openUrl(localFileUrl(path))) showNotice("Cannot open file", displayPath(path));
 }
 
 void FileEraserViewController::revealInFolder(int row) {
     if (row < 0 || row >= m_valueArr.size()) return;
     const QString path = m_valueArr.at(row).url;
     bool shown = false;
-    if (StandardPaths::layout() == StandardPaths::Layout::MacOS && QFileInfo::exists("/usr/bin/open"))
+    const QString folder = path.left(qMax<qsizetype>(path.lastIndexOf('/'), 1));
+    if (StandardPaths::layout() == StandardPaths::Layout::MacOS && itemExists("/usr/bin/open"))
         shown = QProcess::startDetached("/usr/bin/open", {"-R", path});
     else
-        shown = QFileInfo::exists(QFileInfo(path).path()) &&
-                QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
-    if (!shown) showNotice("Cannot open Folder", path);
+        shown = itemExists(folder) && QDesktopServices::openUrl(localFileUrl(folder));
+    if (!shown) showNotice("Cannot open Folder", displayPath(path));
 }
 
 // ---- Side panels -----------------------------------------------------------
@@ -518,7 +526,7 @@ QString FileEraserViewController::elapsedTimeText(int seconds) {
 
 void FileEraserViewController::removeProgress(float progress, const QString& path, int index) {
     if (!m_progressPanel) return;
-    m_progressPanel->setRemoveProgress(qMax(double(progress), 2.0), path,
+    m_progressPanel->setRemoveProgress(qMax(double(progress), 2.0), displayPath(path),
                                        QString::asprintf("%d of %d items", index, m_eraseCount));
 }
 
@@ -548,7 +556,7 @@ void FileEraserViewController::removeObjEnd(const FileObjList& results) {
         }
         const FileObj* outcome = next < results.size() ? &results.at(next) : nullptr;
         ++next;
-        const bool erased = outcome && outcome->failStr == "Success" && !existsOnDisk(record.url);
+        const bool erased = outcome && outcome->failStr == "Success" && !itemExists(record.url);
         record.failStr = erased ? "Erased" : "Failed";
         if (!erased)
             record.failReason = outcome && !outcome->failReason.isEmpty() ? outcome->failReason

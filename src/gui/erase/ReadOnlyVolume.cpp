@@ -1,5 +1,7 @@
 #include "gui/erase/ReadOnlyVolume.h"
 
+#include "engine/platform/NativePath.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -28,7 +30,11 @@ bool isRefusedFileSystemType(const QString& type) {
 }
 
 bool contains(const QString& path) {
-    const QStorageInfo volume(path);
+    // Qt's storage lookup takes text only: a path with a name that is not text is looked
+    // up by the folder above that name, on the same volume unless that name is a mount point.
+    QString lookedUp = path;
+    while (hasNonTextBytes(lookedUp) && lookedUp.lastIndexOf('/') > 0) lookedUp.truncate(lookedUp.lastIndexOf('/'));
+    const QStorageInfo volume(hasNonTextBytes(lookedUp) ? QString("/") : lookedUp);
     const QString type = QString::fromUtf8(volume.fileSystemType());
     qInfo("Result:%i Volume: %s, Removable:%i, W:%i, Unmountable:%i, Desc:%s, type:%s", volume.isValid(),
           qUtf8Printable(volume.rootPath()), isRemovableDevice(QString::fromUtf8(volume.device())),
