@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 namespace velmora {
@@ -20,6 +21,18 @@ public:
     // longlongDiskSize computes in double precision, longlongConvertVolSpace in single.
     static QString longlongDiskSize(qint64 size);
     static QString longlongConvertVolSpace(qint64 size);
+
+    // The uninstaller's search roots for the current layout, in their fixed order (user
+    // domain first). Folders that do not exist are listed too; walking them finds nothing.
+    static QStringList applicationPaths();
+    static QStringList widgetPaths();
+    static QStringList pluginPaths();
+    static QStringList preferencePanePaths();
+    // Whether a process of ours runs from an application bundle with this identifier.
+    static bool isBelongRunningApp(const QString& bundleID);
+    // Bytes of a file, or of all files below a folder (links not followed, other
+    // file systems included); 0 for what cannot be read.
+    static qint64 sizeOfFileRef(const QString& path);
 };
 
 }  // namespace velmora

@@ -1,0 +1,40 @@
+#include "engine/uninstall/RunningApplications.h"
+
+#include "engine/platform/NativePath.h"
+#include "engine/platform/StandardPaths.h"
+#include "engine/uninstall/FolderEntries.h"
+#include "engine/volumes/CommUti.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace velmora::RunningApplications {
+namespace {
+
+bool runsFrom(const QString& path) {
+    const uid_t user = ::getuid();
+    for (const FolderEntry& entry : folderEntries("/proc")) {
+        bool isPid = false;
+        const qint64 pid = entry.name.toLongLong(&isPid);
+        if (!isPid || pid == ::getpid()) continue;
+        const QByteArray folder = "/proc/" + entry.name.toLatin1();
+        struct stat info;
+        if (::stat(folder.constData(), &info) != 0 || (user != 0 && info.st_uid != user)) continue;
+        char target[4096];
+        const ssize_t length = ::readlink((folder + "/exe").constData(), target, sizeof target - 1);
+        if (length <= 0) continue;
+        const QString executable = pathFromNative(QByteArray(target, length));
+        if (executable == path || executable.startsWith(path + "/")) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool isRunning(const AMAppItem& application) {
+    if (application.path.isEmpty()) return false;
+    if (runsFrom(application.path)) return true;
+    return StandardPaths::layout() == StandardPaths::Layout::MacOS && CommUti::isBelongRunningApp(application.bundleID);
+}
+
+}  // namespace velmora::RunningApplications

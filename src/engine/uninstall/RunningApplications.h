@@ -1,0 +1,12 @@
+#pragma once
+
+#include "engine/uninstall/AMAppItem.h"
+
+namespace velmora::RunningApplications {
+
+// Whether a process of the current user runs the application: its executable is the
+// application's file or lies inside its folder, or (macOS layout) it runs from a bundle
+// with the application's identifier.
+bool isRunning(const AMAppItem& application);
+
+}  // namespace velmora::RunningApplications
