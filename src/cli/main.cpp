@@ -10,6 +10,7 @@
 #include "cli/EraseDriveCommand.h"
 #include "cli/LevelCommand.h"
 #include "cli/Terminal.h"
+#include "cli/UninstallCommands.h"
 #include "cli/VolumesCommand.h"
 #include "cli/WipeFreeCommand.h"
 #include "engine/erase/EraserLevel.h"
@@ -44,6 +45,9 @@ const Command kCommands[] = {
     {"history", "history [--type WipeFile|WipeVolume] [--json] | delete KEY | clear [--yes] | export KEY FILE   the erasure history", velmora::cli::runHistoryCommand},
     {"browsers", "browsers [--json]                list the installed browsers and what each keeps", velmora::cli::runBrowsersCommand},
     {"clean-browsers", "clean-browsers [--yes] [--thorough] [--close] [BROWSER[/CATEGORY]...]   clean browsing data (default: the ticked categories)", velmora::cli::runCleanBrowsersCommand},
+    {"apps", "apps [--json] [--tab applications|widgets|plugins]   list what the uninstaller can remove", velmora::cli::runAppsCommand},
+    {"related", "related [--json] APP              list an application's related files (APP: a path or a name from apps)", velmora::cli::runRelatedCommand},
+    {"uninstall", "uninstall [--yes] [--include-possible] [--json] APP...   remove applications with their pre-ticked related files", velmora::cli::runUninstallCommand},
 };
 
 void printUsage() {

@@ -21,7 +21,8 @@ void walkTab(int tab, const QString& root, const AppWalkers::Found& found) {
 }
 
 void scanTabInto(int tab, const AppWalkers::Found& found) {
-    for (const QString& root : ApplicationInventory::searchPaths().at(tab)) walkTab(tab, root, found);
+    const QStringList roots = ApplicationInventory::searchPaths().at(tab);
+    for (const QString& root : roots) walkTab(tab, root, found);
     if (tab != ApplicationInventory::Applications || StandardPaths::layout() != StandardPaths::Layout::Linux) return;
     for (const AMAppItemPtr& item : PackageManagerApps::flatpakApplications()) found(item);
     for (const AMAppItemPtr& item : PackageManagerApps::snapApplications()) found(item);

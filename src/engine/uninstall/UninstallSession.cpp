@@ -33,16 +33,14 @@ UninstallSession::~UninstallSession() {
     while (m_managerJobs.load(std::memory_order_relaxed) > 0) QThread::msleep(5);
 }
 
-void UninstallSession::tickPreTicked() {
+void UninstallSession::tickPreTicked(bool includePossible) {
     m_selectDeletePath.clear();
     for (const AMAppItemList& group : m_allRelaltedFiles)
-        for (qsizetype i = 0; i < group.size(); ++i)
-            if (i == 0 || group[i]->preTicked) m_selectDeletePath.append(group[i]);
-}
-
-void UninstallSession::tickAll() {
-    m_selectDeletePath.clear();
-    for (const AMAppItemList& group : m_allRelaltedFiles) m_selectDeletePath.append(group);
+        for (qsizetype i = 0; i < group.size(); ++i) {
+            const AMAppItem& item = *group[i];
+            if (i == 0 || item.preTicked || (includePossible && item.isPossibleMatch && item.sharedWith.isEmpty()))
+                m_selectDeletePath.append(group[i]);
+        }
 }
 
 bool UninstallSession::isTicked(const AMAppItemPtr& item) const { return m_selectDeletePath.contains(item); }

@@ -29,10 +29,9 @@ public:
     const AMAppItemList& selectDeletePath() const { return m_selectDeletePath; }
 
     // Ticks, in group and list order, every record that is to be pre-ticked (possible
-    // matches and entries another application also matches stay unticked).
-    void tickPreTicked();
-    // Ticks every record, possible matches included (velmora-cli --include-possible).
-    void tickAll();
+    // matches and entries another application also matches stay unticked; with
+    // includePossible the possible matches that no other application claims are ticked too).
+    void tickPreTicked(bool includePossible = false);
     bool isTicked(const AMAppItemPtr& item) const;
     TickState groupState(int group) const;
     // A click on a group's box (row < 0) ticks its missing records or, when all are
