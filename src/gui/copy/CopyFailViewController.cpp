@@ -39,6 +39,9 @@ QString messageOf(const CopyResult& result) {
         sentences << counted(result.failures.size(), "item", "items") + " could not be copied.";
     if (!result.mismatches.isEmpty() && !result.failures.isEmpty())
         sentences << counted(result.mismatches.size(), "copied file differs", "copied files differ") + " from the source.";
+    if (result.verified && result.mismatches.isEmpty())
+        sentences << counted(qsizetype(result.verifiedFiles), "copied file matches its source",
+                             "copied files match their source") + " byte for byte.";
     if (!result.failures.isEmpty() || !result.mismatches.isEmpty()) sentences << "The copy is not whole: see the details.";
     return sentences.join(' ');
 }

@@ -98,15 +98,15 @@ void DiskCopyViewController::createFooter() {
     const int top = kPickerTop + kPickerHeight + 14;
     m_copyTypeBox = new LComboBox(this);
     m_copyTypeBox->addItems(DiskCopyLogic::copyTypeTitles());
-    m_copyTypeBox->setGeometry(kMargin, top, 170, 32);
+    m_copyTypeBox->setGeometry(kMargin, top, 196, 32);
     m_copyTypeBox->setFocusPolicy(Qt::TabFocus);
     connect(m_copyTypeBox, &QComboBox::activated, this, &DiskCopyViewController::changeSelectCopyType);
     m_changePickButton = ImageSetButton::secondary("Change…", this);
-    m_changePickButton->setGeometry(kMargin + 180, top, 104, 32);
+    m_changePickButton->setGeometry(kMargin + 206, top, 110, 32);
     connect(m_changePickButton, &QPushButton::clicked, this, &DiskCopyViewController::openPickPanel);
     m_pickedLabel = Style::label(QString(), 12, true);
     m_pickedLabel->setParent(this);
-    m_pickedLabel->setGeometry(kMargin + 294, top, columnWidth - 294 + kMargin, 32);
+    m_pickedLabel->setGeometry(kMargin + 2, top + 38, columnWidth, 24);
 
     m_destinationLabel = Style::label(QString(), 12, true);
     m_destinationLabel->setParent(this);
@@ -120,7 +120,7 @@ void DiskCopyViewController::createFooter() {
                                QString("QCheckBox { color: white; spacing: 8px; padding: 2px 4px; }"
                                        "QCheckBox:focus { border: 2px solid %1; border-radius: 5px; }")
                                    .arg(Style::rgba(Style::kAccent)));
-    m_verifyBox->setGeometry(kMargin - 4, top + 42, 260, 28);
+    m_verifyBox->setGeometry(kMargin - 4, top + 66, 260, 28);
 
     m_errorLabel = Style::label(QString(), 12);
     m_errorLabel->setParent(this);
