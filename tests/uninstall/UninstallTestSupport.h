@@ -1,0 +1,34 @@
+#pragma once
+
+#include "engine/uninstall/AMAppItem.h"
+#include "engine/platform/NativePath.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+#include <string>
+
+namespace velmora::test {
+
+// The event loop the asynchronous scans and removals report through.
+inline void ensureApplication() {
+    static int argc = 1;
+    static char name[] = "test_uninstall";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);
+}
+
+inline QString q(const std::string& path) { return pathFromNative(QByteArray::fromStdString(path)); }
+
+inline QStringList pathsOf(const AMAppItemList& items) {
+    QStringList paths;
+    for (const AMAppItemPtr& item : items) paths.append(item->path);
+    return paths;
+}
+
+inline AMAppItemPtr byPath(const AMAppItemList& items, const std::string& path) {
+    for (const AMAppItemPtr& item : items)
+        if (item->path == q(path)) return item;
+    return {};
+}
+
+}  // namespace velmora::test
