@@ -174,7 +174,7 @@ void RepairDiskViewController::getallVolumes() {
 void RepairDiskViewController::scanBegan() {
     m_busyIndicator->show();
     m_busyIndicator->raise();
-    m_selectedLabel->clear();
+    if (!m_diskTool->isRunning()) m_selectedLabel->clear();  // a format keeps saying what it does
     reloadData();
     changeButtonPoint();
 }
