@@ -20,6 +20,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -110,7 +111,7 @@ private slots:
 
     // "Disk Tool": the list, the buttons of the mode, a rename to a name full of shell
     // characters (written as it is, nothing run), Escape and a refused name that leaves
-    // the listed name alone, then "Eject".
+    // the listed name alone, an eject refused while a file is open, then "Eject".
     void diskToolRenamesAndEjects() {
         QVERIFY(openMode(4));
         QCOMPARE(m_page->titleLabel()->text(), QString("Disk Tool"));
@@ -173,6 +174,21 @@ private slots:
         QVERIFY(saveScreenshotWith(m_window.get(), end, "disk_tool_rename_failed"));
         QTest::keyClick(end, Qt::Key_Return);
         QVERIFY(waitUntil([this] { return !m_page->formatEndPanel(); }, 2000));
+
+        // A file open on the volume keeps it busy: the eject fails and says who holds it.
+        auto busy = std::make_unique<QFile>(QString::fromStdString(m_volume->mountPoints().front()) + "/open.txt");
+        QVERIFY(busy->open(QIODevice::WriteOnly));
+        QVERIFY(settled());
+        QTest::mouseClick(m_page->ejectButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return m_page->formatEndPanel() != nullptr; }, 60000));
+        end = m_page->formatEndPanel();
+        QVERIFY(!end->succeeded());
+        QVERIFY2(PanelContent::messageLabel(end)->text().contains("in use by"), qPrintable(PanelContent::messageLabel(end)->text()));
+        QVERIFY(settled());
+        QVERIFY(saveScreenshotWith(m_window.get(), end, "disk_tool_eject_busy"));
+        QTest::mouseClick(end->okButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return !m_page->formatEndPanel(); }, 2000));
+        busy.reset();
 
         QVERIFY(settled());
         QTest::mouseClick(m_page->ejectButton(), Qt::LeftButton);
