@@ -80,6 +80,7 @@ void installFlatpakStandIn(const std::string& binFolder, const std::string& logF
                                "echo --end-- >> '" + logFile + "'\n"
                                "case \"$1\" in\n"
                                "list) cat '" + listFixture + "' ;;\n"
+                               "ps) cat '" + binFolder + "/flatpak-ps' 2>/dev/null; exit 0 ;;\n"
                                "uninstall) for id in \"$@\"; do :; done; rm -rf -- '" + home + "/.local/share/flatpak/app/'\"$id\" ;;\n"
                                "*) exit 1 ;;\n"
                                "esac\n";

@@ -55,7 +55,7 @@ bool setImmutable(const std::string& path, bool immutable);
 
 // A `flatpak` program in `binFolder` that appends each call's arguments (one per line,
 // then a line "--end--") to `logFile`, prints the recorded listing `listFixture` for
-// "list", and for "uninstall" removes <data>/flatpak/app/<ID> of the user installation
+// "list", the file <binFolder>/flatpak-ps (when there) for "ps", and for "uninstall" removes <data>/flatpak/app/<ID> of the user installation
 // below `home`, as the real tool does.
 void installFlatpakStandIn(const std::string& binFolder, const std::string& logFile, const std::string& listFixture,
                            const std::string& home);

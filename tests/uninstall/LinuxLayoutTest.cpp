@@ -1,6 +1,7 @@
 #include "UninstallTestSupport.h"
 
 #include "engine/uninstall/ApplicationInventory.h"
+#include "engine/uninstall/PackageManagerApps.h"
 #include "engine/uninstall/RelatedAppFilesScanner.h"
 #include "engine/uninstall/UninstallSession.h"
 #include "support/ChildProcess.h"
@@ -57,6 +58,10 @@ TEST(LinuxLayout, InventoryOfTheThreeTabs) {
     EXPECT_EQ(widgets.first()->bundleVersion, "12");
     EXPECT_EQ(pathsOf(ApplicationInventory::scanTab(ApplicationInventory::Plugins)),
               QStringList{q(tree.inHome(".mozilla/plugins/libviewer.so"))});
+    // Snap applications from `snap list`: bases, core snaps and snapd are the system's.
+    const AMAppItemList snaps = PackageManagerApps::parseSnapList(QByteArray::fromStdString(readFile(fixture("snap-list.txt"))));
+    EXPECT_EQ(pathsOf(snaps), QStringList({q(tree.inRoot("snap/firefox")), q(tree.inRoot("snap/go"))}));
+    EXPECT_EQ(PackageManagerApps::removalArguments(*snaps.first()), QStringList({"snap", "remove", "--", "firefox"}));
     EXPECT_EQ(loggedCalls(tree.path() + "/flatpak.log"),
               std::vector<std::vector<std::string>>({{"list", "--app", "--columns=application,name,version,installation"}}));
 }
@@ -138,6 +143,9 @@ TEST(LinuxLayout, FlatpakRemovedThroughItsTool) {
     ASSERT_TRUE(viewer);
 
     UninstallSession session({RelatedAppFilesScanner::relatedFilesToApplication(*viewer, installed)});
+    EXPECT_TRUE(session.runningApplications().isEmpty());
+    writeTreeFile(tree.bin() + "/flatpak-ps", "org.example.Go\n");
+    EXPECT_EQ(session.runningApplications(), QStringList{"Go Viewer"});
     session.tickPreTicked();
     EXPECT_EQ(pathsOf(session.selectDeletePath()),
               QStringList({q(tree.inHome(".local/share/flatpak/app/org.example.Go")), q(tree.inHome(".var/app/org.example.Go"))}));
@@ -147,6 +155,6 @@ TEST(LinuxLayout, FlatpakRemovedThroughItsTool) {
     EXPECT_TRUE(session.failures().isEmpty());
     EXPECT_FALSE(exists(tree.inHome(".var/app/org.example.Go")));
     const auto calls = loggedCalls(log);
-    ASSERT_EQ(calls.size(), 2u);
-    EXPECT_EQ(calls[1], std::vector<std::string>({"uninstall", "--user", "--noninteractive", "--", "org.example.Go"}));
+    ASSERT_EQ(calls.size(), 4u);  // list, ps twice, uninstall
+    EXPECT_EQ(calls[3], std::vector<std::string>({"uninstall", "--user", "--noninteractive", "--", "org.example.Go"}));
 }

@@ -87,6 +87,12 @@ AMAppItemList flatpakApplications() {
 
 AMAppItemList snapApplications() { return parseSnapList(toolOutput("snap", {"list"})); }
 
+bool isFlatpakRunning(const QString& applicationId) {
+    for (const QByteArray& line : toolOutput("flatpak", {"ps", "--columns=application"}).split('\n'))
+        if (QString::fromUtf8(line.trimmed()) == applicationId) return true;
+    return false;
+}
+
 QStringList removalArguments(const AMAppItem& item) {
     if (item.kind == AppKind::Flatpak)
         return {"flatpak", "uninstall", item.installation == "user" ? "--user" : "--system", "--noninteractive", "--",

@@ -14,6 +14,9 @@ AMAppItemList snapApplications();
 AMAppItemList parseFlatpakList(const QByteArray& output);
 AMAppItemList parseSnapList(const QByteArray& output);
 
+// Whether `flatpak ps` lists the Flatpak application as running.
+bool isFlatpakRunning(const QString& applicationId);
+
 // The argument list that removes a manager's application ("flatpak uninstall --user
 // --noninteractive ID", "snap remove NAME"); empty for other records.
 QStringList removalArguments(const AMAppItem& item);

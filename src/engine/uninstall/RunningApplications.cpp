@@ -3,6 +3,7 @@
 #include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 #include "engine/uninstall/FolderEntries.h"
+#include "engine/uninstall/PackageManagerApps.h"
 #include "engine/volumes/CommUti.h"
 
 #include <sys/stat.h>
@@ -33,6 +34,8 @@ bool runsFrom(const QString& path) {
 
 bool isRunning(const AMAppItem& application) {
     if (application.path.isEmpty()) return false;
+    // A Flatpak application runs in its sandbox from the runtime's files, not its own folder.
+    if (application.kind == AppKind::Flatpak) return PackageManagerApps::isFlatpakRunning(application.bundleID);
     if (runsFrom(application.path)) return true;
     return StandardPaths::layout() == StandardPaths::Layout::MacOS && CommUti::isBelongRunningApp(application.bundleID);
 }

@@ -6,7 +6,7 @@ namespace velmora::RunningApplications {
 
 // Whether a process of the current user runs the application: its executable is the
 // application's file or lies inside its folder, or (macOS layout) it runs from a bundle
-// with the application's identifier.
+// with the application's identifier; a Flatpak application when `flatpak ps` lists it.
 bool isRunning(const AMAppItem& application);
 
 }  // namespace velmora::RunningApplications
