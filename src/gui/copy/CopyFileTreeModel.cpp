@@ -2,6 +2,7 @@
 
 #include "engine/copy/Controller.h"
 #include "engine/platform/NativePath.h"
+#include "gui/copy/PlainToolTip.h"
 #include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
 
@@ -128,7 +129,7 @@ QVariant CopyFileTreeModel::data(const QModelIndex& index, int role) const {
     if (index.column() == Name) {
         switch (role) {
         case Qt::DisplayRole: return displayPath(node->name);
-        case Qt::ToolTipRole: return displayPath(node->path);
+        case Qt::ToolTipRole: return plainToolTip(displayPath(node->path));
         case Qt::DecorationRole: return QIcon(Style::imagePath(node->isDirectory ? "ic_folder" : "ic_file"));
         case Qt::CheckStateRole:
             return node->state == FileNode::Ticked         ? Qt::Checked

@@ -1,6 +1,7 @@
 #include "gui/copy/CopyIssueList.h"
 
 #include "engine/platform/NativePath.h"
+#include "gui/copy/PlainToolTip.h"
 #include "gui/widgets/RFOverlayScroller.h"
 #include "gui/widgets/Style.h"
 
@@ -32,11 +33,11 @@ CopyIssueList::CopyIssueList(const CopyResult& result, QWidget* parent) : QTreeW
 
 void CopyIssueList::addIssue(const QString& path, const QString& reason) {
     auto* item = new QTreeWidgetItem(this, {displayPath(path)});
-    item->setToolTip(0, displayPath(path));
+    item->setToolTip(0, plainToolTip(displayPath(path)));
     item->setData(0, Qt::UserRole, reason);
     auto* reasonItem = new QTreeWidgetItem(item, {reason});
     reasonItem->setForeground(0, Style::kSecondaryText);
-    reasonItem->setToolTip(0, reason);
+    reasonItem->setToolTip(0, plainToolTip(reason));
 }
 
 QStringList CopyIssueList::lines() const {

@@ -23,6 +23,7 @@ CopyMakeSureVC::CopyMakeSureVC(const QString& sourceName, const QString& destina
         QString("%1%2 will be copied into a new dated folder \"VLclone(…)\" on \"%3\". Nothing is changed or removed "
                 "on either drive.")
             .arg(what, size, destinationName));
+    findChild<QLabel*>("panelTitle")->setTextFormat(Qt::PlainText);
     PanelContent::messageLabel(this)->setTextFormat(Qt::PlainText);
     for (QPushButton* button : {m_cancelButton, m_copyButton}) button->setAutoDefault(false);
     PanelContent::addButtons(layout, {m_cancelButton, m_copyButton});

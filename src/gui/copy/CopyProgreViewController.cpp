@@ -1,6 +1,7 @@
 #include "gui/copy/CopyProgreViewController.h"
 
 #include "engine/platform/NativePath.h"
+#include "gui/copy/PlainToolTip.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
@@ -65,7 +66,8 @@ void CopyProgreViewController::topCopyProgress(float percent) { m_bar->setValue(
 
 void CopyProgreViewController::topCopyFilePath(const QString& path) {
     const QString shown = displayPath(path);
-    m_pathLabel->setToolTip(shown);
+    m_pathShown = shown;
+    m_pathLabel->setToolTip(plainToolTip(shown));
     m_pathLabel->setText(m_pathLabel->fontMetrics().elidedText(shown, Qt::ElideMiddle, width() - 56));
 }
 
@@ -76,7 +78,7 @@ void CopyProgreViewController::setCopiedBytes(quint64 copied, quint64 total) {
 }
 
 int CopyProgreViewController::progressValue() const { return m_bar->value(); }
-QString CopyProgreViewController::pathText() const { return m_pathLabel->toolTip(); }
+QString CopyProgreViewController::pathText() const { return m_pathShown; }
 QString CopyProgreViewController::bytesText() const { return m_bytesLabel->text(); }
 
 }  // namespace velmora

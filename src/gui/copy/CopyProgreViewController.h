@@ -34,6 +34,7 @@ signals:
 
 private:
     QString m_copyFolder;
+    QString m_pathShown;
     QProgressBar* m_bar;
     QLabel* m_pathLabel;
     QLabel* m_bytesLabel;

@@ -1,6 +1,7 @@
 #include "gui/copy/DiskListViewController.h"
 
 #include "engine/volumes/CommUti.h"
+#include "gui/copy/PlainToolTip.h"
 #include "gui/widgets/Style.h"
 
 #include <QKeyEvent>
@@ -22,7 +23,7 @@ DiskListViewController::DiskListViewController(const VolumeObj& volume, QWidget*
     setFixedHeight(kRowHeight);
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::PointingHandCursor);
-    setToolTip(volume.volumeName);
+    setToolTip(plainToolTip(volume.volumeName));
     setAttribute(Qt::WA_Hover);
 }
 
