@@ -256,40 +256,43 @@ bool RepairDiskViewController::eventFilter(QObject* watched, QEvent* event) {
 
 void RepairDiskViewController::renameButtonAction() {
     if (m_selectIndex < 0 || isScanV()) return;
-    m_editNamePanel = new EidtNameViewcontroller(m_selectVolume.volumeName, m_selectVolume.diskType, this);
+    m_actionVolume = m_selectVolume;
+    m_editNamePanel = new EidtNameViewcontroller(m_actionVolume.volumeName, m_actionVolume.diskType, this);
     connect(m_editNamePanel, &EidtNameViewcontroller::eidtNameSaveActionWithName, this,
             &RepairDiskViewController::eidtNameSaveActionWithName);
     m_editNamePanel->open();
 }
 
 void RepairDiskViewController::eidtNameSaveActionWithName(const QString& name) {
-    if (name.isEmpty() || name == " " || m_selectIndex < 0) return;
-    m_diskTool->renameVolume(m_selectVolume, name);
+    if (name.isEmpty() || name == " " || m_actionVolume.volRootDir.isEmpty()) return;
+    m_diskTool->renameVolume(m_actionVolume, name);
 }
 
 void RepairDiskViewController::ejectButtonAction() {
     if (m_selectIndex < 0 || isScanV() || m_selectVolume.diskUUID.isEmpty()) return;
-    m_diskTool->ejectVolume(m_selectVolume);
+    m_actionVolume = m_selectVolume;
+    m_diskTool->ejectVolume(m_actionVolume);
 }
 
 void RepairDiskViewController::formatButtonAction() {
     if (m_selectIndex < 0 || isScanV() || m_selectVolume.volumeMountPoint == "/") return;
+    m_actionVolume = m_selectVolume;
     m_makeSureFormatPanel = new MakeSureFormatViewController(formatChoices(), this);
-    m_makeSureFormatPanel->setName(m_selectVolume.volumeName, m_selectVolume.diskType);
+    m_makeSureFormatPanel->setName(m_actionVolume.volumeName, m_actionVolume.diskType);
     connect(m_makeSureFormatPanel, &MakeSureFormatViewController::makeSureToFormatSelectVolumeWithName, this,
             &RepairDiskViewController::makeSureToFormatSelectVolumeWithName);
     m_makeSureFormatPanel->open();
 }
 
 void RepairDiskViewController::makeSureToFormatSelectVolumeWithName(const QString& name, const QString& typeText) {
-    if (m_selectIndex < 0) return;
-    m_diskTool->formatVolume(m_selectVolume, name, typeText);
+    if (m_actionVolume.volRootDir.isEmpty()) return;
+    m_diskTool->formatVolume(m_actionVolume, name, typeText);
 }
 
 void RepairDiskViewController::actionStarted(DiskTool::Action action) {
     if (action == DiskTool::Action::Format) {
         lockSidebar(true);
-        m_selectedLabel->setText(QString("Formatting \"%1\"…").arg(m_selectVolume.volumeName));
+        m_selectedLabel->setText(QString("Formatting \"%1\"…").arg(m_actionVolume.volumeName));
     }
     m_busyIndicator->show();
     m_busyIndicator->raise();

@@ -106,6 +106,9 @@ private:
     bool m_isFormat = true;
     VolumeObj m_selectVolume;
     int m_selectIndex = -1;
+    // The volume a sheet was opened for: a rescan meanwhile may drop the choice, but the
+    // confirmed action still goes to this volume, which the engine pins or refuses.
+    VolumeObj m_actionVolume;
     bool m_rescanWhenScanEnds = false;  // a scan that began before the action ended is stale
     bool m_endViewDue = false;
     EndReport m_endReport;
