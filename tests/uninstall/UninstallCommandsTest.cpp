@@ -1,3 +1,4 @@
+#include "support/BrowserProfiles.h"
 #include "support/ChildProcess.h"
 #include "support/FakeAppTrees.h"
 
@@ -6,6 +7,7 @@
 #include <QJsonObject>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace velmora::test;
 
@@ -64,6 +66,10 @@ TEST(UninstallCommands, UninstallOnTheLinuxLayout) {
     makeSizedFile(tree.inHome("Applications/Go-1.2-x86_64.AppImage"), 5000);
     makeSizedFile(tree.inHome(".config/Go/settings"), 10);
     makeSizedFile(tree.inHome(".config/google-chrome/Default/History"), 10);
+    // A leftover that is a link goes as a link; what it points to stays.
+    makeSizedFile(tree.path() + "/elsewhere/keep", 10);
+    makeFolders(tree.inHome(".cache"));
+    ASSERT_EQ(::symlink((tree.path() + "/elsewhere").c_str(), tree.inHome(".cache/Go").c_str()), 0);
 
     const ProcessResult apps = runCli({"apps", "--json"});
     ASSERT_EQ(apps.status, 0) << apps.err;
@@ -75,6 +81,8 @@ TEST(UninstallCommands, UninstallOnTheLinuxLayout) {
     EXPECT_FALSE(exists(tree.inHome("Applications/Go-1.2-x86_64.AppImage")));
     EXPECT_FALSE(exists(tree.inHome(".config/Go")));
     EXPECT_TRUE(exists(tree.inHome(".config/google-chrome/Default/History")));
+    EXPECT_FALSE(exists(tree.inHome(".cache/Go")));
+    EXPECT_TRUE(exists(tree.path() + "/elsewhere/keep"));
     EXPECT_NE(result.out.find("Free up 5.01 KB MB disk space."), std::string::npos) << result.out;
 
     makeSizedFile(tree.inHome("Applications/Pinned.AppImage"), 10);
