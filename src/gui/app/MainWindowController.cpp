@@ -6,6 +6,7 @@
 #include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/erase/FileEraserViewController.h"
 #include "gui/inter/InternetViewController.h"
+#include "gui/uninstall/UninstallViewController.h"
 #include "gui/volumes/RepairDiskViewController.h"
 #include "gui/volumes/WipeDiskViewController.h"
 #include "gui/widgets/ImageToggle.h"
@@ -115,6 +116,8 @@ void MainWindowController::addPages() {
                             ? static_cast<QWidget*>(new WipeDiskViewController(this, m_pageArea))
                         : m_allBaseViewArr.size() == 2
                             ? static_cast<QWidget*>(new RepairDiskViewController(this, m_pageArea))
+                        : m_allBaseViewArr.size() == 3
+                            ? static_cast<QWidget*>(new UninstallViewController(this, m_pageArea))
                         : m_allBaseViewArr.size() == 4
                             ? static_cast<QWidget*>(new InternetViewController(this, m_pageArea))
                         : m_allBaseViewArr.size() == 5
