@@ -1,6 +1,7 @@
 #include "Screenshot.h"
 #include "TempDataDir.h"
 #include "engine/duplicate/DuplicateResults.h"
+#include "engine/platform/NativePath.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/duplicate/ChoosePathPanel.h"
 #include "gui/duplicate/DeleteAllCopiesSheet.h"
@@ -18,6 +19,7 @@
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
+#include "support/TestFiles.h"
 
 #include <QApplication>
 #include <QDropEvent>
@@ -507,6 +509,51 @@ private slots:
         QCOMPARE(m_page->searchPath(), QFileInfo(tree).canonicalFilePath());
         waitForSearch();
         QCOMPARE(m_page->treeData()->children().size(), 6);
+    }
+
+    // A folder whose name is not text, dropped as a file manager hands it over (the raw
+    // bytes of a URI list): searched, shown with the replacement character, and the
+    // selected copy removed by its real name.
+    void namesThatAreNotTextAreShownAndRemoved() {
+        const test::TempDir scratch;  // QTemporaryDir could not remove a name that is not text
+        const QByteArray folder = QByteArray::fromStdString(scratch.path()) + "/caf\xe9";
+        QCOMPARE(mkdir(folder.constData(), 0700), 0);
+        const QByteArray odd = folder + "/bad\xff\xfename.txt", plain = folder + "/plain.txt";
+        for (const QByteArray& path : {odd, plain}) test::writeFile(path.toStdString(), contentFor(3, 1500).toStdString());
+        QMimeData dropped;
+        dropped.setData("text/uri-list", "file://" + folder.toPercentEncoding("/") + "\r\n");
+        QVERIFY(dragAndDrop(m_page->startView(), &dropped));
+        QCOMPARE(nativePath(m_page->searchPath()), folder);
+        waitForSearch();
+        QCOMPARE(m_page->treeData()->children().size(), 1);
+
+        const QString shownFolder = displayPath(pathFromNative(folder));
+        QVERIFY(shownFolder.endsWith(QString("/caf\uFFFD")));
+        QCOMPARE(m_page->tabBar()->tabText(0), QString("caf\uFFFD"));
+        QCOMPARE(m_page->tabBar()->tabToolTip(0), shownFolder);
+        DuplicateOutlineModel* model = m_page->outlineModel();
+        const QModelIndex group = model->index(0, 0);
+        QStringList shown, tips;
+        for (int row = 0; row < model->rowCount(group); ++row) {
+            shown.append(model->index(row, 0, group).data().toString());
+            tips.append(model->index(row, 0, group).data(Qt::ToolTipRole).toString());
+        }
+        QCOMPARE(QSet<QString>(shown.begin(), shown.end()),
+                 (QSet<QString>{shownFolder + "/bad\uFFFD\uFFFDname.txt", shownFolder + "/plain.txt"}));
+        QCOMPARE(tips, shown);
+        QVERIFY(group.data(Qt::ToolTipRole).toString().endsWith(shown.last()));
+        screenshot(m_window.get(), "duplicate_names_not_text");
+
+        QByteArray selected;
+        for (const SimpleTreeNode::Pointer& leaf : m_page->treeData()->children().first()->children())
+            if (leaf->data().selectNum == SimpleNodeData::Selected) selected = nativePath(leaf->data().name);
+        QVERIFY(selected == odd || selected == plain);
+        m_page->removeBtnClicked();
+        QTRY_VERIFY(m_page->markSurePanel() && m_page->markSurePanel()->isVisible());
+        QTest::mouseClick(m_page->markSurePanel()->continueButton(), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->successPanel(), kSearchTimeoutMs);
+        QVERIFY(!test::exists(selected.toStdString()));
+        QVERIFY(test::exists((selected == odd ? plain : odd).toStdString()));
     }
 
     // Stopped at once, the search ends with the groups found so far (none

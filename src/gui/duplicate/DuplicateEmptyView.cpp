@@ -1,5 +1,6 @@
 #include "gui/duplicate/DuplicateEmptyView.h"
 
+#include "engine/platform/NativePath.h"
 #include "gui/widgets/SvgImageView.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/Style.h"
@@ -41,9 +42,9 @@ DuplicateEmptyView::DuplicateEmptyView(QWidget* parent)
 }
 
 void DuplicateEmptyView::setSearchPath(const QString& path) {
-    const QString shown = m_messageLabel->fontMetrics().elidedText(path, Qt::ElideMiddle, 420);
+    const QString shown = m_messageLabel->fontMetrics().elidedText(displayPath(path), Qt::ElideMiddle, 420);
     m_messageLabel->setText(QString("No file in %1 has an identical copy there.").arg(shown));
-    m_messageLabel->setToolTip(path);
+    m_messageLabel->setToolTip(displayPath(path));
 }
 
 QString DuplicateEmptyView::messageText() const { return m_messageLabel->text(); }

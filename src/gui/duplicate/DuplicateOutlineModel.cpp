@@ -1,6 +1,7 @@
 #include "gui/duplicate/DuplicateOutlineModel.h"
 
 #include "engine/duplicate/DuplicateResults.h"
+#include "engine/platform/NativePath.h"
 #include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
 
@@ -11,6 +12,12 @@ namespace velmora {
 namespace {
 
 const SimpleTreeNode* groupOf(const SimpleTreeNode* node) { return node->isLeaf() ? node->parent() : node; }
+
+// A copy's whole path; a group's name with the path of the copy kept.
+QString nameToolTip(const SimpleTreeNode& node) {
+    if (node.isLeaf() || node.children().isEmpty()) return displayPath(node.data().name);
+    return displayPath(node.data().name) + '\n' + displayPath(node.children().last()->data().name);
+}
 
 QDateTime latestCopyDate(const SimpleTreeNode& group) {
     QDateTime latest;
@@ -177,7 +184,7 @@ QVariant DuplicateOutlineModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
         switch (index.column()) {
-        case Name: return item.name;
+        case Name: return displayPath(item.name);
         case Selected:
             if (!isGroup) return QString();
             return item.showSelectNumStr.isEmpty() ? QString("0/%1").arg(node->children().size())
@@ -186,7 +193,7 @@ QVariant DuplicateOutlineModel::data(const QModelIndex& index, int role) const {
         case Date: return isGroup ? QString() : item.modificationDate.toString("yyyy-MM-dd HH:mm");
         }
         return {};
-    case Qt::ToolTipRole: return index.column() == Name ? item.name : QVariant();
+    case Qt::ToolTipRole: return index.column() == Name ? nameToolTip(*node) : QVariant();
     case Qt::FontRole: return isGroup ? Style::boldFont(12) : Style::regularFont(12);
     case Qt::ForegroundRole: return isGroup || index.column() == Selected ? Style::kText : Style::kSecondaryText;
     case CheckImageRole:

@@ -1,5 +1,6 @@
 #include "gui/duplicate/DuplicateSearchingView.h"
 
+#include "engine/platform/NativePath.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/MLCircularIndicator.h"
 #include "gui/widgets/Style.h"
@@ -47,7 +48,7 @@ void DuplicateSearchingView::setProgress(int percent) {
 }
 
 void DuplicateSearchingView::setCurrentPath(const QString& path) {
-    m_path = path;
+    m_path = displayPath(path);
     showPath();
 }
 

@@ -1,17 +1,19 @@
 #include "gui/duplicate/DuplicateStartView.h"
 
+#include "engine/platform/NativePath.h"
+#include "gui/widgets/FileUrls.h"
 #include "gui/widgets/SvgImageView.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/Style.h"
 
 #include <QDragEnterEvent>
-#include <QFileInfo>
 #include <QLabel>
 #include <QMimeData>
 #include <QPainter>
 #include <QPainterPath>
-#include <QUrl>
 #include <QVBoxLayout>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace velmora {
 
@@ -32,9 +34,12 @@ DuplicateStartView::DuplicateStartView(QWidget* parent)
 }
 
 QString DuplicateStartView::droppedFolder(const QMimeData* data) {
-    if (!data || !data->hasUrls()) return {};
-    for (const QUrl& url : data->urls()) {
-        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir()) return url.toLocalFile();
+    // The dropped names' own bytes, so a folder whose name is not text is searched too.
+    for (const QString& path : droppedLocalPaths(data)) {
+        const int fd = openLongPath(nativePath(path), O_PATH | O_DIRECTORY);
+        if (fd < 0) continue;
+        ::close(fd);
+        return path;
     }
     return {};
 }

@@ -1,9 +1,9 @@
 #include "gui/duplicate/DuplicateTabBar.h"
 
 #include "engine/duplicate/DuplicateResults.h"
+#include "engine/duplicate/PathNames.h"
+#include "engine/platform/NativePath.h"
 #include "gui/widgets/Style.h"
-
-#include <QFileInfo>
 
 namespace velmora {
 
@@ -27,10 +27,9 @@ DuplicateTabBar::DuplicateTabBar(QWidget* parent) : QTabBar(parent) {
 }
 
 void DuplicateTabBar::setAllTabLabel(const QString& searchPath) {
-    const QString name = QFileInfo(searchPath).fileName();
-    m_allLabel = name.isEmpty() ? searchPath : name;
+    m_allLabel = displayPath(PathNames::lastComponent(searchPath));
     setTabText(0, fontMetrics().elidedText(m_allLabel, Qt::ElideMiddle, 160));
-    setTabToolTip(0, searchPath);
+    setTabToolTip(0, displayPath(searchPath));
 }
 
 QString DuplicateTabBar::label(int tab) const { return tab == 0 ? m_allLabel : tabText(tab); }

@@ -1,5 +1,6 @@
 #include "gui/duplicate/DuplicationDetProgressViewController.h"
 
+#include "engine/platform/NativePath.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/Style.h"
 
@@ -54,7 +55,7 @@ DuplicationDetProgressViewController::DuplicationDetProgressViewController(QWidg
 
 void DuplicationDetProgressViewController::setRemoveProgress(int progress, const QString& path) {
     m_progress = progress;
-    m_path = path;
+    m_path = displayPath(path);
     m_bar->setValue(progress);
     m_percentLabel->setText(QString("%1%").arg(progress));
     showPath();

@@ -3,6 +3,7 @@
 #include "engine/duplicate/DuplicateFilesOpt.h"
 #include "engine/duplicate/DuplicateResults.h"
 #include "engine/duplicate/ThreadWorker.h"
+#include "engine/platform/NativePath.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/duplicate/ChoosePathPanel.h"
 #include "gui/duplicate/DeleteAllCopiesSheet.h"
@@ -17,6 +18,7 @@
 #include "gui/duplicate/DuplicationDetProgressViewController.h"
 #include "gui/duplicate/DuplicationDetSuccessViewController.h"
 #include "gui/duplicate/MarkSureDeleteVC.h"
+#include "gui/widgets/FileUrls.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/MLCircularIndicator.h"
@@ -24,7 +26,6 @@
 
 #include <QDesktopServices>
 #include <QDir>
-#include <QFileInfo>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -32,14 +33,22 @@
 #include <QProcess>
 #include <QStackedWidget>
 #include <QTimer>
-#include <QUrl>
 #include <QVBoxLayout>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace velmora {
 namespace {
 
 constexpr int kContentTop = 96;
 constexpr int kProgressIntervalMs = 100;
+
+bool isReadableFolder(const QString& path) {
+    const int fd = openLongPath(nativePath(path), O_RDONLY | O_DIRECTORY);
+    if (fd < 0) return false;
+    close(fd);
+    return true;
+}
 
 qsizetype leafCount(const SimpleTreeNode* tree) {
     qsizetype count = 0;
@@ -276,15 +285,18 @@ void SameFileDeleteViewController::searchFinished(bool succeeded) {
                                    .arg(unreadable.size())
                                    .arg(unreadable.size() == 1 ? "file or folder" : "files or folders",
                                         unreadable.size() == 1 ? "it" : "them"));
-    m_unreadableLabel->setToolTip(unreadable.mid(0, 20).join('\n'));
+    QStringList shown;
+    for (const QString& path : unreadable.mid(0, 20)) shown.append(displayPath(path));
+    m_unreadableLabel->setToolTip(shown.join('\n'));
     m_unreadableLabel->setVisible(!unreadable.isEmpty());
 
     SimpleTreeNode::Pointer tree;
     if (!m_opt->getDuplicateFiles(tree)) {
         m_emptyView->setSearchPath(m_searchPath);
         m_views->setCurrentWidget(m_emptyView);
-        if (!succeeded && !m_isStopScan && !QDir(m_searchPath).isReadable())
-            showFailView("The folder can't be searched", QString("%1 could not be read.").arg(m_searchPath));
+        if (!succeeded && !m_isStopScan && !isReadableFolder(m_searchPath))
+            showFailView("The folder can't be searched",
+                         QString("%1 could not be read.").arg(displayPath(m_searchPath)));
         return;
     }
     m_results = std::make_unique<DuplicateResults>(tree);
@@ -429,7 +441,7 @@ void SameFileDeleteViewController::outlineRightMouseDown(const QPoint& viewportP
 
 void SameFileDeleteViewController::openFile(const QModelIndex& index) {
     const QString path = pathOfRow(index);
-    if (!path.isEmpty()) QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    if (!path.isEmpty()) QDesktopServices::openUrl(fileUrl(path));
 }
 
 void SameFileDeleteViewController::revealInFolder(const QModelIndex& index) {
@@ -439,7 +451,7 @@ void SameFileDeleteViewController::revealInFolder(const QModelIndex& index) {
     QProcess::startDetached("/usr/bin/open", {"-R", path});
 #else
     // File managers differ in how they select an item: the folder is opened.
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).path()));
+    QDesktopServices::openUrl(fileUrl(path.left(qMax<qsizetype>(1, path.lastIndexOf('/')))));
 #endif
 }
 
@@ -483,7 +495,7 @@ QVariant SameFileDeleteViewController::deleteDupFiles(ThreadWorker* worker) {
         const QString path = m_removals[index].copy.path;
         const DuplicateRemover::Verdict verdict = remover.remove(m_removals[index]);
         if (!verdict.removed()) {  // stays listed and selected
-            reasons.append(QString("%1: %2").arg(path, verdict.reason));
+            reasons.append(QString("%1: %2").arg(displayPath(path), verdict.reason));
             refusedByTheSystem = refusedByTheSystem || verdict.outcome == DuplicateRemover::Outcome::Failed;
             continue;
         }
