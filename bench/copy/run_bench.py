@@ -3,7 +3,9 @@
 1 GiB (many small files in nested folders, some large files, a few sparse ones) to a
 fresh folder on the same disk, cold (caches dropped before every run, which needs
 root) and warm, the tools taking turns in every round; prints each run and the median
-ratios. Every run's time includes writing its copy out (sync -f on the destination).
+ratios. Every run's time includes writing its copy out (sync -f on the destination);
+before every run the disk is synced and left alone for 5 s, and the warm runs read the
+tree's data (not its holes) just before.
 Each copy is checked against the tree (file count and bytes) and removed after its run.
 
 usage: run_bench.py --cli BUILD/bin/velmora-cli [--folder DIR] [--rounds N] [--keep]
@@ -18,6 +20,8 @@ import statistics
 import subprocess
 import sys
 import time
+
+SETTLE_SECONDS = 5
 
 
 def make_tree(root):
@@ -63,6 +67,36 @@ def tree_summary(root):
     return files, data
 
 
+def read_data(root):
+    """Reads the tree's data once, so it is in the page cache (holes are not read)."""
+    for folder, _, names in os.walk(root):
+        for name in names:
+            with open(os.path.join(folder, name), "rb") as f:
+                fd = f.fileno()
+                end = os.fstat(fd).st_size
+                offset = 0
+                while offset < end:
+                    try:
+                        data = os.lseek(fd, offset, os.SEEK_DATA)
+                    except OSError:
+                        break
+                    hole = os.lseek(fd, data, os.SEEK_HOLE)
+                    os.lseek(fd, data, os.SEEK_SET)
+                    remaining = hole - data
+                    while remaining > 0:
+                        chunk = f.read(min(remaining, 1 << 20))
+                        if not chunk:
+                            break
+                        remaining -= len(chunk)
+                    offset = hole
+
+
+def settle():
+    """Lets the disk finish what the last run left (writeback, discards of removed copies)."""
+    subprocess.run(["sync"], check=True)
+    time.sleep(SETTLE_SECONDS)
+
+
 def drop_caches():
     subprocess.run(["sync"], check=True)
     with open("/proc/sys/vm/drop_caches", "w") as f:
@@ -87,6 +121,7 @@ def copied_root(name, target):
 
 def timed_run(name, command, target, cold, expected):
     os.makedirs(target)
+    settle()
     if cold:
         drop_caches()
     start = time.monotonic()
@@ -128,9 +163,7 @@ def main():
             for name in names:
                 target = os.path.join(work, "target")
                 if not cold:
-                    # The source read once, so it is in the page cache.
-                    subprocess.run(["find", tree, "-type", "f", "-exec", "cat", "--", "{}", "+"],
-                                   stdout=subprocess.DEVNULL, check=True)
+                    read_data(tree)
                 elapsed = timed_run(name, commands(args.cli, tree, target)[name], target, cold, expected)
                 times[(name, cold)].append(elapsed)
                 print(f"round {round_number + 1} {'cold' if cold else 'warm'} {name:9s} {elapsed:7.2f} s"

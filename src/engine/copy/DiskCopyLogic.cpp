@@ -4,8 +4,10 @@
 #include "engine/platform/NativePath.h"
 
 #include <QDebug>
+#include <algorithm>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 namespace velmora {
 

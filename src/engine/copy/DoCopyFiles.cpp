@@ -6,10 +6,9 @@
 #include "engine/platform/NativePath.h"
 #include "srm/NoFollowPath.h"
 
-#include <QDebug>
 #include <QSet>
 #include <QThread>
-#include <QtConcurrent>
+#include <QThreadPool>
 #include <fcntl.h>
 #include <sys/stat.h>
 
