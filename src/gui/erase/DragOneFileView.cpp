@@ -1,6 +1,7 @@
 #include "gui/erase/DragOneFileView.h"
 
 #include "gui/erase/DragView.h"
+#include "gui/widgets/FileUrls.h"
 #include "gui/widgets/Style.h"
 
 #include <QDragEnterEvent>
@@ -23,7 +24,7 @@ void DragOneFileView::resizeEvent(QResizeEvent* event) {
 }
 
 void DragOneFileView::dragEnterEvent(QDragEnterEvent* event) {
-    if (DragView::droppedPaths(event->mimeData()).isEmpty()) return;
+    if (droppedLocalPaths(event->mimeData()).isEmpty()) return;
     m_dropFrame->show();
     m_dropFrame->raise();
     event->acceptProposedAction();
@@ -33,7 +34,7 @@ void DragOneFileView::dragLeaveEvent(QDragLeaveEvent*) { m_dropFrame->hide(); }
 
 void DragOneFileView::dropEvent(QDropEvent* event) {
     m_dropFrame->hide();
-    const QStringList paths = DragView::droppedPaths(event->mimeData());
+    const QStringList paths = droppedLocalPaths(event->mimeData());
     if (paths.isEmpty()) return;
     event->acceptProposedAction();
     emit viewDragAction(paths);

@@ -3,8 +3,6 @@
 #include <QStringList>
 #include <QWidget>
 
-class QMimeData;
-
 namespace velmora {
 
 // The drop area of the empty file-eraser page, framed by the dashed border
@@ -15,9 +13,6 @@ class DragView : public QWidget {
 public:
     explicit DragView(QWidget* parent = nullptr);
     QString borderImage() const { return m_borderImage; }
-
-    // The local paths a drag carries, in their order; empty when it carries none.
-    static QStringList droppedPaths(const QMimeData* data);
 
 signals:
     void viewDragAction(const QStringList& paths);

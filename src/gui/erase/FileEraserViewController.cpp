@@ -25,6 +25,7 @@
 #include "gui/widgets/SvgImageView.h"
 #include "gui/history/HistoryViewController.h"
 #include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/FileUrls.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/ListTable.h"
 #include "gui/widgets/SlidePanel.h"
@@ -64,12 +65,6 @@ quint64 itemSize(const QString& path) {
 bool isFolder(const QString& path) {
     struct stat info;
     return statWithoutFollowing(nativePath(path), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-// A file URL that carries the path's bytes, percent-encoded; QUrl::fromLocalFile would
-// turn a byte that is not text into U+FFFD.
-QUrl localFileUrl(const QString& path) {
-    return QUrl::fromEncoded("file://" + nativePath(path).toPercentEncoding("/"), QUrl::StrictMode);
 }
 
 ImageToggle* headerButton(const QString& image, const QString& tip, QWidget* parent) {
@@ -441,7 +436,7 @@ void FileEraserViewController::listRightMouseDown(const QPoint& viewportPosition
 void FileEraserViewController::openFileButton(int row) {
     if (row < 0 || row >= m_valueArr.size()) return;
     const QString path = m_valueArr.at(row).url;
-    if (!QDesktopServices::openUrl(localFileUrl(path))) showNotice("Cannot open file", displayPath(path));
+    if (!QDesktopServices::openUrl(fileUrl(path))) showNotice("Cannot open file", displayPath(path));
 }
 
 void FileEraserViewController::revealInFolder(int row) {
@@ -452,7 +447,7 @@ void FileEraserViewController::revealInFolder(int row) {
     if (StandardPaths::layout() == StandardPaths::Layout::MacOS && itemExists("/usr/bin/open"))
         shown = QProcess::startDetached("/usr/bin/open", {"-R", path});
     else
-        shown = itemExists(folder) && QDesktopServices::openUrl(localFileUrl(folder));
+        shown = itemExists(folder) && QDesktopServices::openUrl(fileUrl(folder));
     if (!shown) showNotice("Cannot open Folder", displayPath(path));
 }
 

@@ -19,6 +19,9 @@ QByteArray localPathOf(const QByteArray& uri) {
         if (!host.isEmpty() && host.toLower() != "localhost") return {};
         rest = rest.mid(pathStart);
     }
+    // A name's own "?" and "#" arrive percent-encoded; a bare one starts a query or fragment.
+    for (const char mark : {'?', '#'})
+        if (const qsizetype at = rest.indexOf(mark); at >= 0) rest.truncate(at);
     if (!rest.startsWith('/')) return {};
     return QByteArray::fromPercentEncoding(rest);
 }
