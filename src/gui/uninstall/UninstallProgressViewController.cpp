@@ -17,7 +17,7 @@
 namespace velmora {
 
 UninstallProgressViewController::UninstallProgressViewController(QWidget* parent)
-    : MAAttachedWindow(parent, {500, 260}), m_views(new QStackedWidget(this)) {
+    : MAAttachedWindow(parent, {500, 200}), m_views(new QStackedWidget(this)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_views);
@@ -113,6 +113,9 @@ void UninstallProgressViewController::setFailures(const QStringList& failures) {
     m_failureList->clear();
     m_failureList->addItems(failures);
     m_failureList->setVisible(!failures.isEmpty());
+    // The list needs room; without it the panel stays small.
+    setFixedSize(500, failures.isEmpty() ? 200 : 320);
+    centreOnParent();
     m_endImage->setImageName(failures.isEmpty() ? "ic_success" : "ic_warning");
     m_endTitle->setText(failures.isEmpty() ? "Uninstall complete" : "Some items were not removed");
 }

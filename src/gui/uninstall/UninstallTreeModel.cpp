@@ -1,6 +1,7 @@
 #include "gui/uninstall/UninstallTreeModel.h"
 
 #include "engine/platform/NativePath.h"
+#include "engine/platform/StandardPaths.h"
 #include "engine/uninstall/UninstallSession.h"
 #include "gui/duplicate/DuplicateOutlineModel.h"
 #include "gui/widgets/Style.h"
@@ -26,10 +27,12 @@ bool isFolder(const QString& path) {
     return ::lstat(nativePath(path).constData(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-// A file row names the whole path (two leftovers may share a name), and says why a
-// record is not ticked at first.
+// A file row names the whole path, the home folder written "~" (two leftovers may share
+// a name), and says why a record is not ticked at first.
 QString recordText(const AMAppItem& item) {
+    const QString home = StandardPaths::homeDir();
     QString text = displayPath(item.path);
+    if (!home.isEmpty() && item.path.startsWith(home + '/')) text = "~" + displayPath(item.path.mid(home.size()));
     if (!item.sharedWith.isEmpty())
         text += QString("  (also matches %1)").arg(displayPath(item.sharedWith));
     else if (item.isPossibleMatch)

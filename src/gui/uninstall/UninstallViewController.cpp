@@ -56,7 +56,7 @@ QToolButton* tabButton(const TabLook& look, QWidget* parent) {
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setCursor(Qt::PointingHandCursor);
     button->setFont(Style::regularFont(13));
-    button->setFixedSize(140, 38);
+    button->setFixedSize(button->fontMetrics().horizontalAdvance(button->text()) + 62, 38);
     button->setStyleSheet(QString("QToolButton { background: transparent; color: %1; border: none;"
                                   "  border-bottom: 2px solid transparent; padding: 0 8px; }"
                                   "QToolButton:hover { color: white; }"
@@ -87,6 +87,14 @@ UninstallViewController::UninstallViewController(MainWindowController* superDele
     connect(m_inventory, &ApplicationInventory::scanFinished, this, &UninstallViewController::scanFinished);
     connect(m_inventory, &ApplicationInventory::sizeReady, m_model, &UninstallTableModel::redrawRecord);
     m_model->setTickedList(&m_ticked[m_appsType]);
+}
+
+// The page is set up, and the first scan starts, when it is first shown: a user who never
+// opens the uninstaller pays nothing for it.
+void UninstallViewController::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (m_scanned) return;
+    m_scanned = true;
     begimScanFile();
 }
 
@@ -105,9 +113,11 @@ void UninstallViewController::createHeader() {
 
     m_tabs = new QButtonGroup(this);
     m_tabs->setExclusive(true);
+    int left = kMargin;
     for (int tab = 0; tab < ApplicationInventory::kTabCount; ++tab) {
         QToolButton* button = velmora::tabButton(kTabs[tab], this);
-        button->move(kMargin + tab * 146, kTabsTop);
+        button->move(left, kTabsTop);
+        left += button->width() + 6;
         button->setChecked(tab == m_appsType);
         m_tabs->addButton(button, tab);
     }
@@ -181,8 +191,10 @@ void UninstallViewController::createFooter() {
     connect(m_selectAllButton, &QPushButton::clicked, this, &UninstallViewController::selectAllButtonAction);
 
     m_counterLabel = Style::label(QString(), 12, true);
+    m_counterLabel->setParent(this);
     m_counterLabel->setObjectName("counterLabel");
     m_counterLabel->setTextFormat(Qt::RichText);
+    m_counterLabel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_counterLabel->setGeometry(kMargin + 136, kFooterTop, 300, m_selectAllButton->sizeHint().height());
 
     m_scanningLabel = Style::label("Scanning…", 12, true);
@@ -376,7 +388,7 @@ void UninstallViewController::showSelectListWindiwWith(const QList<AMAppItemList
     m_scanningLabel->hide();
     m_scanningLabel->setText("Scanning…");
     if (m_makeSure) m_makeSure->deleteLater();
-    delete m_session;
+    if (m_session) m_session->deleteLater();
     m_session = new UninstallSession(allRelaltedFiles, this);
     m_session->tickPreTicked();
     m_makeSure = new MakeSureUninstallViewController(m_session, this);

@@ -76,6 +76,7 @@ public:
     UninstallProgressViewController* progressPanel() const;
 
 protected:
+    void showEvent(QShowEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -102,6 +103,7 @@ private:
     int m_sortType = 0;
     int m_sortAD = 0;
     bool m_isCanClick = true;
+    bool m_scanned = false;  // the first scan has started
     bool m_oneRemove = false;
     AMAppItemPtr m_oneRemoveRecord;  // the per-row remove's record
 
