@@ -71,16 +71,22 @@ void printGroups(const SimpleTreeNode& tree) {
     }
 }
 
+// One group per line, written as it is made: a search with a million copies
+// needs no second copy of the whole result as one JSON document.
 void printGroupsJson(const SimpleTreeNode& tree) {
-    QJsonArray groups;
+    std::fputs("{\"groups\": [", stdout);
+    const char* separator = "\n";
     for (const SimpleTreeNode::Pointer& group : tree.children()) {
         QJsonArray files;
         for (const SimpleTreeNode::Pointer& leaf : group->children()) files.append(escapedPath(leaf->data().name));
-        groups.append(QJsonObject{{"name", escapedPath(group->data().name)},
-                                  {"size", double(group->data().fileSize)},
-                                  {"files", files}});
+        const QJsonObject object{{"name", escapedPath(group->data().name)},
+                                 {"size", double(group->data().fileSize)},
+                                 {"files", files}};
+        std::fputs(separator, stdout);
+        std::fputs(QJsonDocument(object).toJson(QJsonDocument::Compact).constData(), stdout);
+        separator = ",\n";
     }
-    printJson(QJsonDocument(QJsonObject{{"groups", groups}}));
+    std::fputs("\n]}\n", stdout);
 }
 
 // Removes what select-all selects: every copy but the last of each group,

@@ -52,7 +52,7 @@ TEST(Detection, RotatesTheRunsFirstFileToTheEnd) {
     const QByteArray content = test::randomBytes(2048, 42);
     for (const char* name : {"a", "b", "c"}) tree.write(name, content);
     getFileList enumerator;
-    QList<fileAttrbItem> files;
+    FileListing files;
     QStringList bundles;
     enumerator.getListAtPath(tree.path(), files, bundles, 0);
     ASSERT_EQ(files.size(), 3);
@@ -64,10 +64,10 @@ TEST(Detection, RotatesTheRunsFirstFileToTheEnd) {
     ASSERT_EQ(root->children().size(), 1);
     const QList<SimpleTreeNode::Pointer>& leaves = root->children().first()->children();
     ASSERT_EQ(leaves.size(), 3);
-    EXPECT_EQ(leaves[0]->data().name, files[2].filePathName);
-    EXPECT_EQ(leaves[1]->data().name, files[0].filePathName);
-    EXPECT_EQ(leaves[2]->data().name, files[1].filePathName);
-    EXPECT_EQ(root->children().first()->data().name, files[1].fileName);
+    EXPECT_EQ(leaves[0]->data().name, files.path(2));
+    EXPECT_EQ(leaves[1]->data().name, files.path(0));
+    EXPECT_EQ(leaves[2]->data().name, files.path(1));
+    EXPECT_EQ(root->children().first()->data().name, files.name(1));
 }
 
 TEST(Detection, NothingToFind) {

@@ -18,14 +18,14 @@ struct Listing {
 Listing list(const test::TestTree& tree, bool hidden, quint64 limit, const QString& start = {}) {
     getFileList enumerator;
     enumerator.m_bSearchHiddenFile = hidden;
-    QList<fileAttrbItem> files;
+    FileListing files;
     QStringList bundles;
     Listing listing;
     listing.result = enumerator.getListAtPath(tree.path(start), files, bundles, limit);
     const qsizetype prefix = tree.path().size() + 1;
-    for (const fileAttrbItem& item : files) {
-        listing.files.insert(item.filePathName.mid(prefix));
-        EXPECT_EQ(item.fileName, QFileInfo(item.filePathName).fileName());
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        listing.files.insert(files.path(i).mid(prefix));
+        EXPECT_EQ(files.name(i), QFileInfo(files.path(i)).fileName());
     }
     for (const QString& bundle : bundles) listing.bundles.append(bundle.mid(prefix));
     return listing;

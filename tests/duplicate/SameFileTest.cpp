@@ -12,11 +12,11 @@ namespace {
 
 QStringList listedPaths(const QString& folder) {
     getFileList enumerator;
-    QList<fileAttrbItem> files;
+    FileListing files;
     QStringList bundles;
     EXPECT_TRUE(enumerator.getListAtPath(folder, files, bundles, 0));
     QStringList paths;
-    for (const fileAttrbItem& item : files) paths.append(item.filePathName);
+    for (qsizetype i = 0; i < files.size(); ++i) paths.append(files.path(i));
     return paths;
 }
 

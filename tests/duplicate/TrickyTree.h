@@ -71,11 +71,11 @@ struct TrickyTree {
     // The groups as the result tree must show them: bundle groups first.
     QList<Group> expectedGroups(const QStringList& unreadablePaths = {}) const {
         getFileList enumerator;
-        QList<fileAttrbItem> files;
+        FileListing files;
         QStringList bundles;
         enumerator.getListAtPath(tree.path(), files, bundles, 0);
         QStringList fileOrder;
-        for (const fileAttrbItem& item : files) fileOrder.append(item.filePathName);
+        for (qsizetype i = 0; i < files.size(); ++i) fileOrder.append(files.path(i));
 
         QList<Group> groups;
         auto ordered = [](QStringList members, const QStringList& order) {

@@ -75,9 +75,8 @@ QStringList DuplicateFilesOpt::unreadablePaths() const {
 
 bool DuplicateFilesOpt::getDuplicateFiles(SimpleTreeNode::Pointer& out) {
     if (!m_search) return false;
-    const QList<fileAttrbItem>& files = m_search->getAllDuplicateFile();
     const QList<QList<AppAttrbItem>>& appGroups = m_search->getAllAppDuplicateDir();
-    if (files.isEmpty() && appGroups.isEmpty()) return false;
+    if (m_search->duplicateGroupCount() == 0 && appGroups.isEmpty()) return false;
 
     SimpleTreeNode::Pointer root = makeGroup("Root", {});
     for (const QList<AppAttrbItem>& members : appGroups) {
@@ -87,19 +86,14 @@ bool DuplicateFilesOpt::getDuplicateFiles(SimpleTreeNode::Pointer& out) {
         root->appendChild(group);
     }
 
-    // The flat list holds each group as a run of equal whole-file CRCs. The
-    // run's first file is placed last, after the others.
-    qsizetype runStart = 0;
-    while (runStart < files.size()) {
-        qsizetype runEnd = runStart + 1;
-        while (runEnd < files.size() && files[runEnd].md5 == files[runStart].md5) ++runEnd;
-        const fileAttrbItem& first = files[runStart];
+    // The group's first file is placed last, after the others, and names it.
+    for (qsizetype g = 0; g < m_search->duplicateGroupCount(); ++g) {
+        const QList<fileAttrbItem> files = m_search->duplicateGroup(g);
+        const fileAttrbItem& first = files.first();
         SimpleTreeNode::Pointer group = makeGroup(first.fileName, PathNames::pathExtension(first.fileName));
-        for (qsizetype i = runStart + 1; i < runEnd; ++i)
-            appendLeaf(*group, makeLeaf(files[i]));
+        for (qsizetype i = 1; i < files.size(); ++i) appendLeaf(*group, makeLeaf(files[i]));
         appendLeaf(*group, makeLeaf(first));
         root->appendChild(group);
-        runStart = runEnd;
     }
     out = root;
     return true;

@@ -3,6 +3,8 @@
 #include <QHash>
 #include <QList>
 #include <QtGlobal>
+#include <algorithm>
+#include <vector>
 
 namespace velmora {
 
@@ -37,6 +39,31 @@ QList<QList<qsizetype>> classesByKey(const QList<qsizetype>& indices, KeyOf keyO
         }
         classes[slot.value()].append(index);
     }
+    return classes;
+}
+
+// The classes of two or more members among `indices` (ascending), in the
+// order classesByKey gives them, found by sorting rather than hashing: for the
+// lists of every listed file, where most classes have one member, this costs
+// no memory per class. `singletons` receives the number of one-member classes.
+template <typename Key, typename KeyOf>
+QList<QList<qsizetype>> sharedClassesBySorting(std::vector<qsizetype> indices, KeyOf keyOf, qsizetype& singletons) {
+    std::sort(indices.begin(), indices.end(), [&](qsizetype x, qsizetype y) {
+        const Key kx = keyOf(x), ky = keyOf(y);
+        return kx < ky || (kx == ky && x < y);
+    });
+    QList<QList<qsizetype>> classes;
+    singletons = 0;
+    for (size_t start = 0; start < indices.size();) {
+        const Key key = keyOf(indices[start]);
+        size_t end = start + 1;
+        while (end < indices.size() && keyOf(indices[end]) == key) ++end;
+        if (end - start == 1) ++singletons;
+        else classes.append(QList<qsizetype>(indices.begin() + qsizetype(start), indices.begin() + qsizetype(end)));
+        start = end;
+    }
+    std::sort(classes.begin(), classes.end(),
+              [](const QList<qsizetype>& x, const QList<qsizetype>& y) { return x.first() < y.first(); });
     return classes;
 }
 

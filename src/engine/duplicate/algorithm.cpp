@@ -1,5 +1,6 @@
 #include "engine/duplicate/algorithm.h"
 
+#include "engine/duplicate/BatchedFirstPages.h"
 #include "engine/duplicate/DuplicateLog.h"
 #include "engine/duplicate/PageCacheGuard.h"
 #include "engine/duplicate/crc.h"
@@ -19,8 +20,7 @@ namespace {
 // Opens without following a link (in the last component) and without waiting
 // on what is no regular file, at any path length. A process short of descriptors (other threads hold some for a
 // moment) tries again for a while rather than calling the file unreadable.
-int openForReading(const QString& path) {
-    const QByteArray name = nativePath(path);
+int openForReading(const QByteArray& name) {
     int fd = -1;
     for (int attempt = 0; attempt < 200; ++attempt) {
         fd = openLongPath(name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
@@ -32,10 +32,10 @@ int openForReading(const QString& path) {
 
 // The open file must be a regular file and, when the item was listed, still
 // the file listed: its bytes then stand for that file.
-bool isListedFile(int fd, const fileAttrbItem& item) {
+bool isListedFile(int fd, const FileIdentity& listed) {
     struct stat st;
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) return false;
-    return item.identity.inode == 0 || item.identity.isSameFile(st);
+    return listed.inode == 0 || listed.isSameFile(st);
 }
 
 // One read at `offset`; fewer bytes than asked mean the end of the file.
@@ -84,22 +84,45 @@ void OpenedFile::close() {
     m_fd = -1;
 }
 
-bool OpenedFile::open(const fileAttrbItem& item) {
+bool OpenedFile::open(const QByteArray& path, const FileIdentity& listed) {
     close();
-    m_fd = openForReading(item.filePathName);
-    if (m_fd >= 0 && !isListedFile(m_fd, item)) close();
+    m_fd = openForReading(path);
+    if (m_fd >= 0 && !isListedFile(m_fd, listed)) close();
     return m_fd >= 0;
+}
+
+void OpenedFile::adopt(int fd) {
+    close();
+    m_fd = fd;
 }
 
 algorithm::algorithm() : m_buffer(new unsigned char[kReadSize]) {}
 
 algorithm::~algorithm() = default;
 
+BatchedFirstPages* algorithm::batchedFirstPages(DescriptorBudget& budget) {
+    if (!m_batchedTried) {
+        m_batchedTried = true;
+        auto batched = std::make_unique<BatchedFirstPages>(budget);
+        if (batched->ready()) m_batched = std::move(batched);
+    }
+    return m_batched.get();
+}
+
 bool algorithm::getMD5_1K(fileAttrbItem& item, OpenedFile* file) {
+    Fingerprints found;
+    if (!getFirstBlock(nativePath(item.filePathName), item.identity, found, file)) return false;
+    item.md5_1k = found.firstBlock;
+    if (found.whole != 0) item.md5 = found.whole;
+    return true;
+}
+
+bool algorithm::getFirstBlock(const QByteArray& path, const FileIdentity& listed, Fingerprints& out,
+                              OpenedFile* file) {
     OpenedFile own;
     OpenedFile& opened = file ? *file : own;
-    if (!opened.open(item)) {
-        qCInfo(lcDuplicate, "open file:%s failed", qUtf8Printable(item.filePathName));
+    if (!opened.open(path, listed)) {
+        qCInfo(lcDuplicate, "open file:%s failed", qUtf8Printable(displayPath(pathFromNative(path))));
         return false;
     }
     unsigned char* page = m_buffer.get();
@@ -107,10 +130,14 @@ bool algorithm::getMD5_1K(fileAttrbItem& item, OpenedFile* file) {
     const ssize_t got = readFirstBlock(opened.fd(), page, kFirstPageSize, opened.firstBlockWasCached);
     if (!file) forgetFirstBlock(opened);
     if (got < 0) return false;
-    item.md5_1k = crc::crc64(page, kFirstBlockSize);
-    opened.firstPageCrc = crc::crc64(page, kFirstPageSize);
-    if (got > 0 && size_t(got) < kFirstPageSize) item.md5 = crc::crc64(page, uint32_t(got));
+    fingerprintFirstPage(page, got, out, opened);
     return true;
+}
+
+void algorithm::fingerprintFirstPage(const unsigned char* page, ssize_t got, Fingerprints& out, OpenedFile& file) {
+    out.firstBlock = crc::crc64(page, kFirstBlockSize);
+    file.firstPageCrc = crc::crc64(page, kFirstPageSize);
+    if (got > 0 && size_t(got) < kFirstPageSize) out.whole = crc::crc64(page, uint32_t(got));
 }
 
 void algorithm::forgetFirstBlock(const OpenedFile& file) {
@@ -118,13 +145,21 @@ void algorithm::forgetFirstBlock(const OpenedFile& file) {
 }
 
 bool algorithm::getMD5(fileAttrbItem& item, const OpenedFile* file) {
+    Fingerprints found;
+    if (!getWhole(nativePath(item.filePathName), item.identity, found, file)) return false;
+    item.md5 = found.whole;
+    return true;
+}
+
+bool algorithm::getWhole(const QByteArray& path, const FileIdentity& listed, Fingerprints& out,
+                         const OpenedFile* file) {
     uint64_t reg = crc::kInitial;
     quint64 offset = 0;
     for (;;) {
         OpenedFile own;
         const bool reuse = file && offset == 0 && file->fd() >= 0;
-        if (!reuse && !own.open(item)) {
-            qCInfo(lcDuplicate, "open file :%s failed", qUtf8Printable(item.filePathName));
+        if (!reuse && !own.open(path, listed)) {
+            qCInfo(lcDuplicate, "open file :%s failed", qUtf8Printable(displayPath(pathFromNative(path))));
             return false;
         }
         const int fd = reuse ? file->fd() : own.fd();
@@ -154,7 +189,7 @@ bool algorithm::getMD5(fileAttrbItem& item, const OpenedFile* file) {
         offset += segment;
         if (atEnd) break;
     }
-    item.md5 = reg;
+    out.whole = reg;
     return true;
 }
 

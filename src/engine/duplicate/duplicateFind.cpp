@@ -1,5 +1,6 @@
 #include "engine/duplicate/duplicateFind.h"
 
+#include "engine/duplicate/BatchedFirstPages.h"
 #include "engine/duplicate/DuplicateLog.h"
 #include "engine/duplicate/FingerprintKey.h"
 #include "engine/duplicate/FingerprintPool.h"
@@ -42,10 +43,10 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     m_phase.store(Phase::Enumerating);
     m_enumerator.m_bSearchHiddenFile = m_searchHiddenFile;
     m_enumerator.m_bSearchSystemDirectory = m_searchSystemDirectory;
-    QList<fileAttrbItem> files;
     QStringList appDirectories;
-    const bool listed = m_enumerator.getListAtPath(path, files, appDirectories, limittedSize);
+    const bool listed = m_enumerator.getListAtPath(path, m_files, appDirectories, limittedSize);
     m_unreadable = m_enumerator.unreadableFolders();
+    qCInfo(lcDuplicate, "listed %lld files in %zu bytes", qlonglong(m_files.size()), m_files.bytesUsed());
 
     // Each reading thread holds one descriptor at a time; what the budget
     // has beyond that lets a group of same-size files stay open between
@@ -65,10 +66,10 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     bool result;
     if (!listed || stopped()) {
         result = listed;
-    } else if (files.isEmpty()) {
+    } else if (m_files.isEmpty()) {
         result = false;
     } else {
-        findDuplicateFiles(files, budget, workers);
+        findDuplicateFiles(budget, workers);
         result = true;
     }
     m_phase.store(Phase::Done);
@@ -80,8 +81,10 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
 // are sorted into classes by those keys with hash maps; a file is read only
 // while it still shares its class with another file. Each group of equal
 // size is one job of the background pool: its files are opened once, their
-// first blocks read and compared, and those still alike read whole.
-void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files, DescriptorBudget& budget, qsizetype workers) {
+// first blocks read (in batches where io_uring serves) and compared, and
+// those still alike read whole.
+void duplicateFind::findDuplicateFiles(DescriptorBudget& budget, qsizetype workers) {
+    const FileListing& files = m_files;
     const qsizetype total = files.size();
     std::atomic<qsizetype> settled{0};
     auto settle = [&](qsizetype count) {
@@ -89,16 +92,21 @@ void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files, DescriptorBu
         m_fileProgress.store(int(now * 100 / total), std::memory_order_relaxed);
     };
     std::vector<Stage> stage(size_t(total), Stage::Unread);  // each entry written by one worker
-    fileAttrbItem* const items = files.data();
-    QList<qsizetype> all(total);
-    std::iota(all.begin(), all.end(), 0);
-    const auto firstBlockKey = [&](qsizetype i) { return FingerprintKey{items[i].fileSize, items[i].md5_1k, 0}; };
+    std::vector<Fingerprints> prints(static_cast<size_t>(total));
+    const auto sizeOf = [&](qsizetype i) { return files.file(i).size; };
+    const auto firstBlockKey = [&](qsizetype i) { return FingerprintKey{sizeOf(i), prints[size_t(i)].firstBlock, 0}; };
 
     // Same size (an empty file is never a duplicate).
     QList<QList<qsizetype>> sameSize;
-    for (QList<qsizetype>& bySize : classesByKey<quint64>(all, [&](qsizetype i) { return items[i].fileSize; })) {
-        if (bySize.size() > 1 && items[bySize.first()].fileSize > 0) sameSize.append(std::move(bySize));
-        else settle(bySize.size());
+    {
+        std::vector<qsizetype> all(static_cast<size_t>(total));
+        std::iota(all.begin(), all.end(), 0);
+        qsizetype alone = 0;
+        for (QList<qsizetype>& bySize : sharedClassesBySorting<quint64>(std::move(all), sizeOf, alone)) {
+            if (sizeOf(bySize.first()) > 0) sameSize.append(std::move(bySize));
+            else settle(bySize.size());
+        }
+        settle(alone);
     }
 
     FingerprintPool::run(sameSize.size(), [&](algorithm& worker, qsizetype job) {
@@ -110,25 +118,58 @@ void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files, DescriptorBu
             if (keepOpen) budget.giveBack(members.size());
         });
         std::vector<OpenedFile> opened(size_t(members.size()));
-        QList<qsizetype> readable;  // positions in members
-        for (qsizetype k = 0; k < members.size(); ++k) {
-            if (stopped()) return;
+        const auto readOneByOne = [&](qsizetype k) {
             const qsizetype i = members[k];
             OpenedFile& file = opened[size_t(k)];
-            m_CurrentSearchPath.set(items[i].filePathName);
-            const bool read = worker.getMD5_1K(items[i], &file);
+            const bool read = worker.getFirstBlock(files.nativePath(i), files.identity(i), prints[size_t(i)], &file);
             if (!keepOpen) {
                 worker.forgetFirstBlock(file);
                 file.close();
             }
+            return read;
+        };
+        const auto record = [&](qsizetype i, bool read) {
             if (!read) {
                 stage[i] = Stage::Failed;
                 settle(1);
-                continue;
+                return;
             }
-            stage[i] = items[i].md5 != 0 ? Stage::Whole : Stage::FirstBlock;
-            readable.append(k);
+            stage[i] = prints[size_t(i)].whole != 0 ? Stage::Whole : Stage::FirstBlock;
+        };
+
+        BatchedFirstPages* batched = worker.batchedFirstPages(budget);
+        BatchedFirstPages::Request requests[BatchedFirstPages::kMaxBatch];
+        for (qsizetype start = 0; start < members.size();) {
+            if (stopped()) return;
+            m_CurrentSearchPath.set(files.path(members[start]));
+            // A batch holds its files open at once: the files kept open have
+            // their descriptors already, the others take theirs for the batch.
+            qsizetype count = batched ? qMin<qsizetype>(BatchedFirstPages::kMaxBatch, members.size() - start) : 1;
+            if (batched && !keepOpen)
+                while (count > 1 && !budget.tryTake(count)) count /= 2;
+            if (count > 1 || (batched && keepOpen)) {
+                for (qsizetype k = 0; k < count; ++k) {
+                    const qsizetype i = members[start + k];
+                    requests[k] = {files.nativePath(i), files.identity(i), &prints[size_t(i)],
+                                   &opened[size_t(start + k)], keepOpen, BatchedFirstPages::Outcome::NotTried};
+                }
+                batched->read(requests, size_t(count));
+                if (!keepOpen) budget.giveBack(count);
+                for (qsizetype k = 0; k < count; ++k) {
+                    const BatchedFirstPages::Outcome outcome = requests[k].outcome;
+                    record(members[start + k], outcome == BatchedFirstPages::Outcome::NotTried
+                                                   ? readOneByOne(start + k)
+                                                   : outcome == BatchedFirstPages::Outcome::Read);
+                }
+            } else {
+                record(members[start], readOneByOne(start));
+            }
+            start += count;
         }
+        QList<qsizetype> readable;  // positions in members
+        for (qsizetype k = 0; k < members.size(); ++k)
+            if (stage[members[k]] != Stage::Failed) readable.append(k);
+
         // Files whose first page (which holds the first block) is alike are
         // read whole; the page CRC only saves reads and decides nothing.
         const auto firstPageKey = [&](qsizetype k) {
@@ -145,15 +186,17 @@ void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files, DescriptorBu
                     continue;
                 }
                 if (stopped()) return;
-                m_CurrentSearchPath.set(items[i].filePathName);
-                stage[i] = worker.getMD5(items[i], &file) ? Stage::Whole : Stage::Failed;
+                m_CurrentSearchPath.set(files.path(i));
+                stage[i] = worker.getWhole(files.nativePath(i), files.identity(i), prints[size_t(i)], &file)
+                               ? Stage::Whole
+                               : Stage::Failed;
                 settle(1);
             }
         }
     }, m_stop, workers);
 
     for (qsizetype i = 0; i < total; ++i)
-        if (stage[i] == Stage::Failed) m_unreadable.append(items[i].filePathName);
+        if (stage[i] == Stage::Failed) m_unreadable.append(files.path(i));
 
     // Same whole file. When stopped, a class some of whose files were not
     // read is left out, so that every group reported is complete.
@@ -161,21 +204,42 @@ void duplicateFind::findDuplicateFiles(QList<fileAttrbItem>& files, DescriptorBu
     QSet<FingerprintKey> unfinishedFirstBlocks;
     for (const QList<qsizetype>& members : sameSize) {
         for (qsizetype i : members) {
-            if (stage[i] == Stage::Unread) unfinishedSizes.insert(items[i].fileSize);
+            if (stage[i] == Stage::Unread) unfinishedSizes.insert(sizeOf(i));
             if (stage[i] == Stage::FirstBlock) unfinishedFirstBlocks.insert(firstBlockKey(i));
         }
     }
-    QList<qsizetype> comparable;
+    std::vector<qsizetype> comparable;
     for (qsizetype i = 0; i < total; ++i)
-        if (stage[i] == Stage::Whole && !unfinishedSizes.contains(items[i].fileSize) &&
+        if (stage[i] == Stage::Whole && !unfinishedSizes.contains(sizeOf(i)) &&
             !unfinishedFirstBlocks.contains(firstBlockKey(i)))
-            comparable.append(i);
-    const auto wholeKey = [&](qsizetype i) { return FingerprintKey{items[i].fileSize, items[i].md5_1k, items[i].md5}; };
-    for (const QList<qsizetype>& equal : classesByKey<FingerprintKey>(comparable, wholeKey)) {
-        if (equal.size() < 2) continue;
-        for (qsizetype k = 1; k < equal.size(); ++k) m_duplicateFiles.append(items[equal[k]]);
-        m_duplicateFiles.append(items[equal.first()]);
+            comparable.push_back(i);
+    const auto wholeKey = [&](qsizetype i) {
+        return FingerprintKey{sizeOf(i), prints[size_t(i)].firstBlock, prints[size_t(i)].whole};
+    };
+    qsizetype alone = 0;
+    for (const QList<qsizetype>& equal : sharedClassesBySorting<FingerprintKey>(std::move(comparable), wholeKey, alone)) {
+        m_groupStarts.push_back(m_copies.size());
+        for (qsizetype k = 1; k < equal.size(); ++k) m_copies.push_back({equal[k], prints[size_t(equal[k])]});
+        m_copies.push_back({equal.first(), prints[size_t(equal.first())]});
     }
+}
+
+QList<fileAttrbItem> duplicateFind::duplicateGroup(qsizetype group) const {
+    const size_t end = size_t(group) + 1 < m_groupStarts.size() ? m_groupStarts[size_t(group) + 1] : m_copies.size();
+    QList<fileAttrbItem> items;
+    for (size_t k = m_groupStarts[size_t(group)]; k < end; ++k) {
+        const Copy& copy = m_copies[k];
+        fileAttrbItem item;
+        item.md5_1k = copy.prints.firstBlock;
+        item.md5 = copy.prints.whole;
+        item.fileSize = m_files.file(copy.file).size;
+        item.filePathName = m_files.path(copy.file);
+        item.fileName = m_files.name(copy.file);
+        item.identity = m_files.identity(copy.file);
+        item.ModificationDate = QDateTime::fromMSecsSinceEpoch(item.identity.modificationMSecs(), Qt::UTC);
+        items.append(std::move(item));
+    }
+    return items;
 }
 
 int duplicateFind::getProgress() const {

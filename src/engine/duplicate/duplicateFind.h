@@ -4,12 +4,14 @@
 #include "engine/duplicate/CurrentPath.h"
 #include "engine/duplicate/DescriptorBudget.h"
 #include "engine/duplicate/FindDuplicateApp.h"
+#include "engine/duplicate/algorithm.h"
 #include "engine/duplicate/fileAttrbItem.h"
 #include "engine/duplicate/getFileList.h"
 
 #include <QList>
 #include <QStringList>
 #include <atomic>
+#include <vector>
 
 namespace velmora {
 
@@ -32,9 +34,11 @@ public:
     QString getCurrentSearchPath() const;
     void stopSearch();
 
-    // Duplicate files as consecutive groups: in each, the later copies in
-    // enumeration order, then the first copy found.
-    const QList<fileAttrbItem>& getAllDuplicateFile() const { return m_duplicateFiles; }
+    // The groups of duplicate files, in the order of their first copies: in
+    // each, the later copies in enumeration order, then the first copy found.
+    // Their paths and display strings are built when a group is asked for.
+    qsizetype duplicateGroupCount() const { return qsizetype(m_groupStarts.size()); }
+    QList<fileAttrbItem> duplicateGroup(qsizetype group) const;
     const QList<QList<AppAttrbItem>>& getAllAppDuplicateDir() const { return m_appGroups; }
     // Files that could not be read to be compared, and folders that could
     // not be listed: the search could not tell whether they have copies.
@@ -45,7 +49,13 @@ private:
     static constexpr qsizetype kMaxOpenPerSize = 64;  // descriptors one job keeps open
     static constexpr qsizetype kMaxWorkers = 64;      // reading threads, the calling one included
 
-    void findDuplicateFiles(QList<fileAttrbItem>& files, DescriptorBudget& budget, qsizetype workers);
+    // A copy in a group: its place in the listing and its fingerprints.
+    struct Copy {
+        qsizetype file;
+        Fingerprints prints;
+    };
+
+    void findDuplicateFiles(DescriptorBudget& budget, qsizetype workers);
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
 
     bool m_searchHiddenFile = true;
@@ -57,7 +67,9 @@ private:
     getFileList m_enumerator;
     FindDuplicateApp m_appFinder;
     CurrentPath m_CurrentSearchPath;
-    QList<fileAttrbItem> m_duplicateFiles;
+    FileListing m_files;
+    std::vector<Copy> m_copies;         // the groups one after the other
+    std::vector<size_t> m_groupStarts;  // where each group begins in m_copies
     QList<QList<AppAttrbItem>> m_appGroups;
     QStringList m_unreadable;
 };

@@ -11,6 +11,10 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
+#include <numeric>
+#include <strings.h>
+#include <tuple>
 #include <vector>
 
 namespace velmora {
@@ -41,56 +45,95 @@ int keepIfSame(int fd, const struct stat& seen) {
 
 const char* const kSystemDirectories[] = {"Library", "Developer", "System", "Volumes", "bin", "sbin"};
 
-}  // namespace
-
-bool getFileList::getListAtPath(const QString& path, QList<fileAttrbItem>& fileArray, QStringList& directoryArray,
-                                quint64 limittedSize) {
-    m_stop.store(false, std::memory_order_relaxed);
-    QList<Entry> listing;
-    const bool listed = getDirectoryAtPath(path, listing);
-    if (!listed) return false;
-    for (const Entry& entry : listing) {
-        if (stopped()) break;
-        if (!m_bSearchHiddenFile && IsHiddenFile(entry.path)) continue;
-        if (getAppDirectory(entry, directoryArray, limittedSize)) continue;
-        if (entry.isDirectory) continue;
-        // A further hard link of a file listed already is the same file.
-        const Inode inode(entry.identity.device, entry.identity.inode);
-        if (entry.size > limittedSize && !m_seenFiles.contains(inode)) {
-            m_seenFiles.insert(inode);
-            qCDebug(lcDuplicate, "file:%s filesize:%llu", qUtf8Printable(entry.path), entry.size);
-            fileAttrbItem item;
-            item.fileSize = entry.size;
-            item.filePathName = entry.path;
-            item.fileName = PathNames::lastComponent(entry.path);
-            item.ModificationDate = QDateTime::fromMSecsSinceEpoch(entry.identity.modificationMSecs(), Qt::UTC);
-            item.identity = entry.identity;
-            fileArray.append(std::move(item));
-        }
+QString bundleOfPath(const QString& path) {
+    qsizetype start = 0;
+    while (start < path.size()) {
+        qsizetype end = path.indexOf('/', start);
+        if (end < 0) end = path.size();
+        if (PathNames::pathExtension(path.mid(start, end - start)).compare(QLatin1String("app"), Qt::CaseInsensitive) == 0)
+            return path.left(end);
+        start = end + 1;
     }
-    return listed;
+    return {};
 }
 
-bool getFileList::getDirectoryAtPath(const QString& path, QList<Entry>& resultArray) {
+bool isBundleName(const QString& name) {
+    return PathNames::pathExtension(name).compare(QLatin1String("app"), Qt::CaseInsensitive) == 0;
+}
+
+}  // namespace
+
+bool getFileList::getListAtPath(const QString& path, FileListing& fileArray, QStringList& directoryArray,
+                                quint64 limittedSize) {
+    m_stop.store(false, std::memory_order_relaxed);
     if (path.isEmpty()) return false;
     // The chosen folder itself is opened as chosen, through a link or not.
-    int fd = openLongPath(nativePath(path), O_RDONLY | O_DIRECTORY);
+    const QByteArray native = nativePath(path);
+    int fd = openLongPath(native, O_RDONLY | O_DIRECTORY);
     struct stat st;
     if (fd < 0 || fstat(fd, &st) != 0) {
         qCInfo(lcDuplicate, "get contents Of Directory At Path failed%s: %s", qUtf8Printable(path), strerror(errno));
         if (fd >= 0) close(fd);
         return false;
     }
+    m_listing = &fileArray;
+    m_bundles = &directoryArray;
+    m_limit = limittedSize;
     m_rootPath = path;
-    m_seenFiles.clear();
     m_seenFolders = {Inode(st.st_dev, st.st_ino)};
     m_unreadableFolders.clear();
     m_pseudoFileSystems = PseudoFileSystems::mountedNow();
     // Half of what is free now, so the reading threads that follow find theirs.
     m_heldFolderLimit = int(qBound<qsizetype>(1, DescriptorBudget::availableNow() / 2, qsizetype(kMaxHeldFolders)));
-    if (!m_pseudoFileSystems.contains(st.st_dev)) listFolder(fd, st, path, true, 0, resultArray);
+    const Folder root{path, native, IsHiddenFile(path), bundleOfPath(path)};
+    if (!m_pseudoFileSystems.contains(st.st_dev)) listFolder(fd, st, root, true, 0);
     if (fd >= 0) close(fd);
+    dropFurtherLinks();
+    m_listing = nullptr;
+    m_bundles = nullptr;
     return true;
+}
+
+void getFileList::takeEntry(const Folder& folder, quint32 folderIndex, const char* name, const struct stat& st) {
+    if (!m_bSearchHiddenFile && (folder.hidden || name[0] == '.')) return;
+    if (!folder.bundle.isEmpty()) {
+        recordBundle(folder.bundle, quint64(st.st_size));
+        return;
+    }
+    const size_t length = strlen(name);
+    // Most names have no "app" extension: the display name is built only for those that may.
+    if (length > 4 && strncasecmp(name + length - 4, ".app", 4) == 0) {
+        const QString shown = pathFromNative(name);
+        if (isBundleName(shown)) {
+            recordBundle(PathNames::appendComponent(folder.path, shown), quint64(st.st_size));
+            return;
+        }
+    }
+    if (S_ISDIR(st.st_mode) || quint64(st.st_size) <= m_limit) return;
+    m_listing->addFile(folderIndex, name, length, st);
+}
+
+void getFileList::recordBundle(const QString& bundle, quint64 size) {
+    if (size <= m_limit || m_recordedBundles.contains(bundle)) return;
+    m_recordedBundles.insert(bundle);
+    m_bundles->append(bundle);
+}
+
+void getFileList::dropFurtherLinks() {
+    std::vector<quint32> byIdentity(size_t(m_listing->size()));
+    std::iota(byIdentity.begin(), byIdentity.end(), 0u);
+    const auto identityOf = [&](quint32 i) {
+        const FileListing::File& file = m_listing->file(i);
+        return std::tuple(file.device, file.inode, i);
+    };
+    std::sort(byIdentity.begin(), byIdentity.end(), [&](quint32 x, quint32 y) { return identityOf(x) < identityOf(y); });
+    std::vector<bool> further(byIdentity.size(), false);
+    for (size_t k = 1; k < byIdentity.size(); ++k) {
+        const FileListing::File& previous = m_listing->file(byIdentity[k - 1]);
+        const FileListing::File& file = m_listing->file(byIdentity[k]);
+        if (file.device == previous.device && file.inode == previous.inode) further[byIdentity[k]] = true;
+    }
+    m_listing->filter([&](qsizetype i) { return !further[size_t(i)]; });
 }
 
 int getFileList::openSeenFolder(int folderFd, const char* name, const struct stat& seen) {
@@ -111,15 +154,15 @@ void getFileList::reportUnreadable(const QString& folder) {
 // still the folder that was listed. No full path is handed to the system, so
 // depth is no limit; the descriptors held are one per level up to the
 // held-folder limit and two below it.
-bool getFileList::listFolder(int& fd, const struct stat& folderStat, const QString& folder, bool topLevel, int depth,
-                             QList<Entry>& out) {
+bool getFileList::listFolder(int& fd, const struct stat& folderStat, const Folder& folder, bool topLevel, int depth) {
     const int listingFd = dup(fd);
     DIR* dir = listingFd >= 0 ? fdopendir(listingFd) : nullptr;
     if (!dir) {
         if (listingFd >= 0) close(listingFd);
         return false;
     }
-    m_CurrentPath.set(folder);
+    m_CurrentPath.set(folder.path);
+    const quint32 folderIndex = m_listing->addFolder(folder.nativePath, folderStat);
     struct Child {
         QByteArray name;
         struct stat st;
@@ -135,15 +178,15 @@ bool getFileList::listFolder(int& fd, const struct stat& folderStat, const QStri
     }
     closedir(dir);
 
+    // Files and the contents of subfolders are listed in the folder's order.
     for (const Child& child : children) {
         if (stopped()) return false;
-        const QString childPath = PathNames::appendComponent(folder, pathFromNative(child.name));
-        const Entry entry{childPath, S_ISDIR(child.st.st_mode), quint64(child.st.st_size),
-                          FileIdentity::of(child.st, folderStat)};
-        if (!entry.isDirectory) {
-            out.append(entry);
+        if (!S_ISDIR(child.st.st_mode)) {
+            takeEntry(folder, folderIndex, child.name.constData(), child.st);
             continue;
         }
+        const QString name = pathFromNative(child.name);
+        const QString childPath = PathNames::appendComponent(folder.path, name);
         if (topLevel) {
             if (!m_bSearchHiddenFile && IsHiddenFile(childPath)) continue;
             if (m_rootPath == "/" && !m_bSearchSystemDirectory && IsSystemDirectory(childPath)) continue;
@@ -163,13 +206,16 @@ bool getFileList::listFolder(int& fd, const struct stat& folderStat, const QStri
             close(fd);
             fd = -1;
         }
-        QList<Entry> below;
-        const bool listed = listFolder(childFd, child.st, childPath, false, depth + 1, below);
+        QByteArray childNative = folder.nativePath;
+        if (!childNative.endsWith('/')) childNative.append('/');
+        childNative.append(child.name);
+        const Folder below{childPath, childNative, folder.hidden || name.startsWith('.'),
+                           folder.bundle.isEmpty() && isBundleName(name) ? childPath : folder.bundle};
+        const bool listed = listFolder(childFd, child.st, below, false, depth + 1);
         if (letGo && childFd >= 0) fd = openParentAgain(childFd, folderStat);
         if (childFd >= 0) close(childFd);
         if (listed) {
-            out.append(below);
-            if (!topLevel) out.append(entry);
+            if (!topLevel) takeEntry(folder, folderIndex, child.name.constData(), child.st);
         } else if (stopped()) {
             return false;
         } else {
@@ -177,7 +223,7 @@ bool getFileList::listFolder(int& fd, const struct stat& folderStat, const QStri
         }
         if (fd < 0) {
             // Moved while a subfolder was listed: the rest of it cannot be reached safely.
-            reportUnreadable(folder);
+            reportUnreadable(folder.path);
             return true;
         }
     }
@@ -193,27 +239,6 @@ bool getFileList::IsSystemDirectory(const QString& path) {
     if (components.isEmpty()) return false;
     for (const char* name : kSystemDirectories)
         if (components.first().compare(QLatin1String(name), Qt::CaseInsensitive) == 0) return true;
-    return false;
-}
-
-bool getFileList::getAppDirectory(const Entry& entry, QStringList& outArray, quint64 limitSize) {
-    const QString& path = entry.path;
-    if (!path.contains(QLatin1String(".app"), Qt::CaseInsensitive)) return false;
-    qsizetype start = 0;
-    while (start < path.size()) {
-        qsizetype end = path.indexOf('/', start);
-        if (end < 0) end = path.size();
-        const QString component = path.mid(start, end - start);
-        if (PathNames::pathExtension(component).compare(QLatin1String("app"), Qt::CaseInsensitive) == 0) {
-            const QString bundlePath = path.left(end);
-            if (!m_recordedBundles.contains(bundlePath) && entry.size > limitSize) {
-                m_recordedBundles.insert(bundlePath);
-                outArray.append(bundlePath);
-            }
-            return true;
-        }
-        start = end + 1;
-    }
     return false;
 }
 

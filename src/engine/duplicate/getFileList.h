@@ -3,7 +3,7 @@
 #include "engine/duplicate/CurrentPath.h"
 #include "engine/duplicate/FileIdentity.h"
 #include "engine/duplicate/PseudoFileSystems.h"
-#include "engine/duplicate/fileAttrbItem.h"
+#include "engine/duplicate/FileListing.h"
 
 #include <QList>
 #include <QPair>
@@ -24,15 +24,6 @@ namespace velmora {
 // be called from any thread.
 class getFileList {
 public:
-    // One listed entry with the attributes read while listing, so that the
-    // filtering step needs no second look at the disk.
-    struct Entry {
-        QString path;
-        bool isDirectory = false;
-        quint64 size = 0;
-        FileIdentity identity;
-    };
-
     bool m_bSearchHiddenFile = true;
     bool m_bSearchSystemDirectory = true;  // only matters when searching "/"
 
@@ -40,12 +31,7 @@ public:
     // strictly larger than limittedSize that is neither hidden (when hidden
     // entries are excluded) nor inside an application bundle; the bundles go
     // to directoryArray. Answers whether the top folder could be read.
-    bool getListAtPath(const QString& path, QList<fileAttrbItem>& fileArray, QStringList& directoryArray,
-                       quint64 limittedSize);
-
-    // Top-level listing: hidden and system folders are skipped as
-    // configured, folders are expanded but not listed themselves.
-    bool getDirectoryAtPath(const QString& path, QList<Entry>& resultArray);
+    bool getListAtPath(const QString& path, FileListing& fileArray, QStringList& directoryArray, quint64 limittedSize);
 
     // Folders below the chosen one that could not be read, in walk order.
     const QStringList& unreadableFolders() const { return m_unreadableFolders; }
@@ -55,10 +41,6 @@ public:
     // True when the path's top-level component is one of the volume's
     // system folders (Library, Developer, System, Volumes, bin, sbin).
     static bool IsSystemDirectory(const QString& path);
-    // True when the entry lies inside a bundle (a component with the
-    // extension "app", any case); the bundle is recorded once, and only when
-    // the entry is larger than limitSize.
-    bool getAppDirectory(const Entry& entry, QStringList& outArray, quint64 limitSize);
 
     void stopSearch() { m_stop.store(true, std::memory_order_relaxed); }
     QString currentPath() const { return m_CurrentPath.get(); }
@@ -68,14 +50,28 @@ private:
     // At most this many folders stay open along the walk's path, however deep.
     static constexpr int kMaxHeldFolders = 256;
 
-    // Lists the open folder `fd` (the folder `folderStat` describes): below the
-    // top level each folder comes after its contents. Subfolders are opened
-    // relative to `fd`; deeper than the held-folder limit, `fd` is let go while
-    // a subfolder is listed and found again through that subfolder's "..", so
-    // `fd` may be another descriptor (or -1) on return. False when stopped or
-    // unreadable.
-    bool listFolder(int& fd, const struct stat& folderStat, const QString& folder, bool topLevel, int depth,
-                    QList<Entry>& out);
+    // A folder being listed: its path both ways, and what its entries inherit.
+    struct Folder {
+        QString path;
+        QByteArray nativePath;
+        bool hidden = false;  // its path has a hidden component
+        QString bundle;       // the bundle it lies in, or empty
+    };
+
+    // Lists the open folder `fd` (the folder `folderStat` describes) into the
+    // listing: each file in readdir order, each subfolder's contents in its
+    // place, the bundles as their entries are met. Subfolders are opened
+    // relative to `fd`; deeper than the held-folder limit, `fd` is let go
+    // while a subfolder is listed and found again through that subfolder's
+    // "..", so `fd` may be another descriptor (or -1) on return. False when
+    // stopped or unreadable.
+    bool listFolder(int& fd, const struct stat& folderStat, const Folder& folder, bool topLevel, int depth);
+    // What the listing does with one entry other than a folder's contents:
+    // hidden ones are left out, those inside a bundle record it, files are kept.
+    void takeEntry(const Folder& folder, quint32 folderIndex, const char* name, const struct stat& st);
+    void recordBundle(const QString& bundle, quint64 size);
+    // Keeps the first path of every file met by several (hard links).
+    void dropFurtherLinks();
     // Opens the subfolder `name` of the open folder, without following a
     // link, and only if it is still the folder seen while listing.
     static int openSeenFolder(int folderFd, const char* name, const struct stat& seen);
@@ -87,8 +83,10 @@ private:
 
     std::atomic<bool> m_stop{false};
     CurrentPath m_CurrentPath;
+    FileListing* m_listing = nullptr;
+    QStringList* m_bundles = nullptr;
+    quint64 m_limit = 0;
     QSet<QString> m_recordedBundles;
-    QSet<Inode> m_seenFiles;
     QSet<Inode> m_seenFolders;
     PseudoFileSystems m_pseudoFileSystems;
     QStringList m_unreadableFolders;
