@@ -119,6 +119,7 @@ void WholeDriveErase::stop(int exitCode, bool exitedNormally) {
 void WholeDriveErase::beginStageTwo() {
     const std::optional<ResolvedVolume> volume = reformattedVolume(true);
     if (!volume) return;
+    emit stageTwoBegan();
     m_leftovers = entriesOf(volume->mountPoint);
     m_wipe->resetRounds();
     rescanVolumes();

@@ -45,6 +45,11 @@ public:
     void removeObjEnd();   // the leftovers are removed: the fill
     void stopDo();         // stops and forgets a running child
 
+signals:
+    // The reformat is done and the fresh volume found: what it still holds is
+    // removed, then its free space is filled (the fill reports through the wipe).
+    void stageTwoBegan();
+
 private:
     void eraseNtfsAsFat32();
     // Stage 2 on the fresh file system of the pinned device node.

@@ -71,6 +71,7 @@ CopyFailViewController::CopyFailViewController(const CopyResult& result, const Q
         });
     }
     for (QPushButton* button : buttons) button->setAutoDefault(false);
+    setCancelButton(m_okButton);
     PanelContent::addButtons(layout, buttons);
     const QString folder = result.destinationFolder;
     m_openFolderButton->setEnabled(!folder.isEmpty());

@@ -25,8 +25,10 @@ CopyMakeSureVC::CopyMakeSureVC(const QString& sourceName, const QString& destina
             .arg(what, size, destinationName));
     findChild<QLabel*>("panelTitle")->setTextFormat(Qt::PlainText);
     PanelContent::messageLabel(this)->setTextFormat(Qt::PlainText);
-    for (QPushButton* button : {m_cancelButton, m_copyButton}) button->setAutoDefault(false);
     PanelContent::addButtons(layout, {m_cancelButton, m_copyButton});
+    // Enter and Escape cancel; "Copy" needs a click, or Space once focused.
+    setCancelButton(m_cancelButton);
+    m_copyButton->setAutoDefault(false);
     connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_copyButton, &QPushButton::clicked, this, [this] {
         accept();

@@ -52,7 +52,8 @@ CopyProgreViewController::CopyProgreViewController(const QString& copyFolder, QW
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    m_cancelButton->setAutoDefault(false);
+    // Escape stops the copy, as a click on Cancel does.
+    setCancelButton(m_cancelButton);
     buttons->addWidget(m_cancelButton);
     layout->addLayout(buttons);
     connect(m_cancelButton, &QPushButton::clicked, this, [this] {

@@ -49,6 +49,7 @@ CopySuccessViewController::CopySuccessViewController(const CopyResult& result, Q
         });
     }
     for (QPushButton* button : buttons) button->setAutoDefault(false);
+    setCancelButton(m_okButton);
     PanelContent::addButtons(layout, buttons);
     const QString folder = result.destinationFolder;
     connect(m_openFolderButton, &QPushButton::clicked, this, [folder] { QDesktopServices::openUrl(fileUrl(folder)); });

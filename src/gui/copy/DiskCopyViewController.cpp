@@ -18,15 +18,17 @@
 #include "gui/widgets/Style.h"
 
 #include <QCheckBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPropertyAnimation>
 #include <QTimer>
+#include <QVBoxLayout>
 
 namespace velmora {
 namespace {
 
 constexpr int kMargin = 26;
-constexpr int kPickerTop = 96;
 constexpr int kPickerHeight = 300;
 constexpr int kSlideMs = 350;
 
@@ -39,9 +41,15 @@ DiskCopyViewController::DiskCopyViewController(MainWindowController* superDelega
       m_bytesTimer(new QTimer(this)) {
     resize(MainWindowController::kPageWidth, MainWindowController::kPageHeight);
     setAutoFillBackground(true);
-    createHeader();
-    createPickers();
-    createFooter();
+    // The page grows with the window: the two pickers take the height, half the width each.
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(kMargin, 28, kMargin, 34);
+    layout->setSpacing(0);
+    layout->addLayout(createHeader());
+    layout->addSpacing(14);
+    layout->addLayout(createPickers(), 1);
+    layout->addSpacing(14);
+    layout->addLayout(createFooter());
 
     connect(&m_logic, &DiskCopyLogic::stateChanged, this, &DiskCopyViewController::refreshState);
     connect(&m_logic, &DiskCopyLogic::showError, this, [this](const QString& text) { m_errorLabel->setText(text); });
@@ -67,51 +75,58 @@ DiskCopyViewController::DiskCopyViewController(MainWindowController* superDelega
 // The copy stops with its engine, which waits for its tasks.
 DiskCopyViewController::~DiskCopyViewController() = default;
 
-void DiskCopyViewController::createHeader() {
+QLayout* DiskCopyViewController::createHeader() {
     QLabel* title = Style::label("Copy Drive", 22, false, true);
-    title->setParent(this);
-    title->setGeometry(40, 28, 500, 34);
     QLabel* subtitle = Style::label("Copy the files of a drive into a new dated folder on another drive.", 12, true);
-    subtitle->setParent(this);
-    subtitle->setGeometry(40, 62, 640, 20);
+    subtitle->setWordWrap(true);
     m_closeButton = new ImageToggle("ic_close", this, 24);
     m_closeButton->setToolTip("Close");
+    m_closeButton->setAccessibleName("Close the drive copy");
     m_closeButton->setFocusPolicy(Qt::TabFocus);
-    m_closeButton->move(width() - kMargin - 30, 34);
     connect(m_closeButton, &ImageToggle::clicked, this, &DiskCopyViewController::closePage);
+    auto* texts = new QVBoxLayout;
+    texts->setContentsMargins(14, 0, 0, 0);
+    texts->setSpacing(4);
+    texts->addWidget(title);
+    texts->addWidget(subtitle);
+    auto* header = new QHBoxLayout;
+    header->addLayout(texts, 1);
+    header->addWidget(m_closeButton, 0, Qt::AlignTop);
+    header->addSpacing(6);
+    return header;
 }
 
-void DiskCopyViewController::createPickers() {
-    const int columnWidth = (width() - 3 * kMargin) / 2;
+QLayout* DiskCopyViewController::createPickers() {
     m_sourcePicker = new SelectDiskViewController("Source drive", this);
-    m_sourcePicker->setGeometry(kMargin, kPickerTop, columnWidth, kPickerHeight);
+    m_sourcePicker->setMinimumHeight(kPickerHeight);
     m_destinationPicker = new SelectDiskViewController("Destination drive", this);
-    m_destinationPicker->setGeometry(2 * kMargin + columnWidth, kPickerTop, columnWidth, kPickerHeight);
+    m_destinationPicker->setMinimumHeight(kPickerHeight);
     connect(m_sourcePicker, &SelectDiskViewController::doSelectDiskWithVolume, this,
             [this](const VolumeObj& volume) { doSelectDiskWithVolume(volume, true); });
     connect(m_destinationPicker, &SelectDiskViewController::doSelectDiskWithVolume, this,
             [this](const VolumeObj& volume) { doSelectDiskWithVolume(volume, false); });
+    auto* pickers = new QHBoxLayout;
+    pickers->setSpacing(kMargin);
+    pickers->addWidget(m_sourcePicker, 1);
+    pickers->addWidget(m_destinationPicker, 1);
+    return pickers;
 }
 
-void DiskCopyViewController::createFooter() {
-    const int columnWidth = (width() - 3 * kMargin) / 2;
-    const int top = kPickerTop + kPickerHeight + 14;
+QLayout* DiskCopyViewController::createFooter() {
     m_copyTypeBox = new LComboBox(this);
     m_copyTypeBox->addItems(DiskCopyLogic::copyTypeTitles());
-    m_copyTypeBox->setGeometry(kMargin, top, 196, 32);
+    m_copyTypeBox->setMinimumSize(196, 32);
     m_copyTypeBox->setFocusPolicy(Qt::TabFocus);
     connect(m_copyTypeBox, &QComboBox::activated, this, &DiskCopyViewController::changeSelectCopyType);
     m_changePickButton = ImageSetButton::secondary("Change…", this);
-    m_changePickButton->setGeometry(kMargin + 206, top, 110, 32);
+    m_changePickButton->setMinimumSize(110, 32);
     connect(m_changePickButton, &QPushButton::clicked, this, &DiskCopyViewController::openPickPanel);
     m_pickedLabel = Style::label(QString(), 12, true);
-    m_pickedLabel->setParent(this);
-    m_pickedLabel->setGeometry(kMargin + 2, top + 38, columnWidth, 24);
+    m_pickedLabel->setWordWrap(true);
 
     m_destinationLabel = Style::label(QString(), 12, true);
-    m_destinationLabel->setParent(this);
     m_destinationLabel->setTextFormat(Qt::PlainText);
-    m_destinationLabel->setGeometry(2 * kMargin + columnWidth, top, columnWidth, 32);
+    m_destinationLabel->setWordWrap(true);
 
     m_verifyBox = new QCheckBox("Verify after copying", this);
     m_verifyBox->setToolTip("Compare every copied file with its source byte for byte when the copy ends.");
@@ -120,18 +135,40 @@ void DiskCopyViewController::createFooter() {
                                QString("QCheckBox { color: white; spacing: 8px; padding: 2px 4px; }"
                                        "QCheckBox:focus { border: 2px solid %1; border-radius: 5px; }")
                                    .arg(Style::rgba(Style::kAccent)));
-    m_verifyBox->setGeometry(kMargin - 4, top + 66, 260, 28);
 
     m_errorLabel = Style::label(QString(), 12);
-    m_errorLabel->setParent(this);
     m_errorLabel->setWordWrap(true);
     m_errorLabel->setStyleSheet("color: #E8A93A; background: transparent;");
-    m_errorLabel->setGeometry(kMargin + 6, 522, 570, 48);
 
     m_copyButton = ImageSetButton::primary("Copy Now", this);
-    m_copyButton->setFixedWidth(130);
-    m_copyButton->move(width() - kMargin - m_copyButton->width(), 530);
+    m_copyButton->setMinimumWidth(130);
     connect(m_copyButton, &QPushButton::clicked, this, &DiskCopyViewController::cloneButtonAction);
+
+    // Under the source: the copy mode and what it picked; under the destination: where the copy goes.
+    auto* mode = new QHBoxLayout;
+    mode->setSpacing(10);
+    mode->addWidget(m_copyTypeBox);
+    mode->addWidget(m_changePickButton);
+    mode->addStretch(1);
+    auto* options = new QGridLayout;
+    options->setHorizontalSpacing(kMargin);
+    options->setVerticalSpacing(6);
+    options->addLayout(mode, 0, 0);
+    options->addWidget(m_destinationLabel, 0, 1);
+    options->addWidget(m_pickedLabel, 1, 0);
+    options->addWidget(m_verifyBox, 2, 0, Qt::AlignLeft);
+    options->setColumnStretch(0, 1);
+    options->setColumnStretch(1, 1);
+    auto* footer = new QHBoxLayout;
+    footer->setContentsMargins(6, 0, 0, 0);
+    footer->setSpacing(16);
+    footer->addWidget(m_errorLabel, 1);
+    footer->addWidget(m_copyButton, 0, Qt::AlignBottom);
+    auto* all = new QVBoxLayout;
+    all->setSpacing(12);
+    all->addLayout(options);
+    all->addLayout(footer);
+    return all;
 }
 
 SelectCopyFilesViewController* DiskCopyViewController::pickPanel() const { return m_pickPanel; }
@@ -145,7 +182,7 @@ CopyFailViewController* DiskCopyViewController::failPanel() const { return m_fai
 void DiskCopyViewController::showPage() {
     getallVolumes();
     if (isVisible() && y() == 0) return;
-    move(0, MainWindowController::kPageHeight);
+    move(0, height());  // slides in from below the page area
     show();
     raise();
     slideTo(0, false);
@@ -153,7 +190,7 @@ void DiskCopyViewController::showPage() {
 
 void DiskCopyViewController::closePage() {
     if (m_copying || isHidden()) return;
-    slideTo(MainWindowController::kPageHeight, true);
+    slideTo(height(), true);
     emit pageClosed();
 }
 

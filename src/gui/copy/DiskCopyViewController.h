@@ -9,6 +9,7 @@
 
 class QCheckBox;
 class QLabel;
+class QLayout;
 class QPushButton;
 class QTimer;
 
@@ -70,9 +71,9 @@ signals:
     void pageClosed();
 
 private:
-    void createHeader();
-    void createPickers();
-    void createFooter();
+    QLayout* createHeader();
+    QLayout* createPickers();
+    QLayout* createFooter();
     void refreshState();
     void reloadPickers();
     void openPickPanel();

@@ -24,6 +24,7 @@ DiskListViewController::DiskListViewController(const VolumeObj& volume, QWidget*
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::PointingHandCursor);
     setToolTip(plainToolTip(volume.volumeName));
+    setAccessibleName(volume.volumeName);
     setAttribute(Qt::WA_Hover);
 }
 

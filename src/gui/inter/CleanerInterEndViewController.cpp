@@ -24,6 +24,7 @@ CleanerInterEndViewController::CleanerInterEndViewController(QWidget* parent)
     QLabel* message = PanelContent::messageLabel(this);
     message->setTextFormat(Qt::PlainText);
     PanelContent::addButtons(layout, {m_okButton});
+    setCancelButton(m_okButton);
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }
 

@@ -21,12 +21,9 @@ CloseBrowerViewController::CloseBrowerViewController(const QString& names, QWidg
     QVBoxLayout* layout = PanelContent::addMessage(this, "ic_warning", "Close the running browsers?", message);
     PanelContent::messageLabel(this)->setTextFormat(Qt::PlainText);
     PanelContent::addButtons(layout, {m_cancelButton, m_closeButton});
-    // Ending programs is not what Return should do by accident.
-    for (QPushButton* button : {m_cancelButton, m_closeButton}) {
-        button->setAutoDefault(false);
-        button->setDefault(false);
-    }
-    m_cancelButton->setFocus();
+    // Ending programs is not what Return should do by accident: Enter and Escape cancel.
+    setCancelButton(m_cancelButton);
+    m_closeButton->setAutoDefault(false);
     connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_closeButton, &QPushButton::clicked, this, &QDialog::accept);
 }

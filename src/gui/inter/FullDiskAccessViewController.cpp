@@ -40,6 +40,7 @@ FullDiskAccessViewController::FullDiskAccessViewController(const QString& unread
     m_closeButton = ImageSetButton::primary("OK", this);
     PanelContent::addButtons(layout, {m_closeButton});
 #endif
+    setCancelButton(m_closeButton);
     connect(m_closeButton, &QPushButton::clicked, this, &FullDiskAccessViewController::closeWindow);
 }
 

@@ -20,22 +20,21 @@
 #include "gui/widgets/SvgImageView.h"
 
 #include <QFutureWatcher>
+#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QStackedWidget>
 #include <QTableView>
 #include <QTimer>
+#include <QVBoxLayout>
 #include <QtConcurrent>
 
 namespace velmora {
 namespace {
 
-constexpr int kContentTop = 100;
 constexpr int kMargin = 26;
-constexpr int kTableTop = 40;
-constexpr int kTableHeight = 370;
-constexpr int kFooterTop = 428;
 constexpr int kBrowserTableWidth = 236;
 constexpr int kRescanDelayMs = 1000;  // lets the closed browsers finish writing before the scan
 
@@ -52,9 +51,13 @@ InternetViewController::InternetViewController(MainWindowController* superDelega
       m_catalogue(new BrowserCatalogue(this)),
       m_cleanJob(new BrowserCleanJob(this)) {
     resize(MainWindowController::kPageWidth, MainWindowController::kPageHeight);
-    createHeader();
+    // The page grows with the window: the views take the room under the header.
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 28, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(createHeader());
     m_views = new QStackedWidget(this);
-    m_views->setGeometry(0, kContentTop, width(), height() - kContentTop);
+    layout->addWidget(m_views, 1);
     m_startView = createStartView();
     m_scanningView = createScanningView();
     m_resultView = createResultView();
@@ -80,50 +83,65 @@ InternetViewController::InternetViewController(MainWindowController* superDelega
 // The catalogue and the clean job wait for their background work when they go.
 InternetViewController::~InternetViewController() = default;
 
-void InternetViewController::createHeader() {
+QLayout* InternetViewController::createHeader() {
     QLabel* title = Style::label("Internet Cleaner", 22, false, true);
-    title->setParent(this);
-    title->setGeometry(40, 28, 400, 34);
     QLabel* subtitle =
         Style::label("Remove what browsers keep: history, cookies, caches, downloads and saved form data.", 12, true);
-    subtitle->setParent(this);
-    subtitle->setGeometry(40, 62, 700, 20);
+    subtitle->setWordWrap(true);
     m_noticeLabel = Style::label(QString(), 12, true);
-    m_noticeLabel->setParent(this);
     m_noticeLabel->setObjectName("noticeLine");
     m_noticeLabel->setTextFormat(Qt::PlainText);
-    m_noticeLabel->setGeometry(40, 82, 700, 18);
+    m_noticeLabel->setWordWrap(true);
     m_noticeLabel->hide();
+    auto* header = new QVBoxLayout;
+    header->setContentsMargins(40, 0, 40, 8);
+    header->setSpacing(4);
+    header->addWidget(title);
+    header->addWidget(subtitle);
+    header->addWidget(m_noticeLabel);
+    return header;
 }
 
 QWidget* InternetViewController::createStartView() {
     auto* view = new QWidget(m_views);
     auto* image = new SvgImageView("ic_internet", {96, 96}, view);
-    image->move((width() - image->width()) / 2, 60);
     QLabel* text = Style::label("Find the browsers on this computer and the data they keep.", 14);
-    text->setParent(view);
     text->setAlignment(Qt::AlignCenter);
-    text->setGeometry(0, 180, width(), 24);
+    text->setWordWrap(true);
     QLabel* hint = Style::label("Running browsers are closed first, only after you agree.", 12, true);
-    hint->setParent(view);
     hint->setAlignment(Qt::AlignCenter);
-    hint->setGeometry(0, 208, width(), 20);
+    hint->setWordWrap(true);
     m_scanButton = ImageSetButton::primary("Scan", view);
-    m_scanButton->setFixedWidth(150);
-    m_scanButton->move((width() - m_scanButton->width()) / 2, 262);
+    m_scanButton->setMinimumWidth(150);
     connect(m_scanButton, &QPushButton::clicked, this, &InternetViewController::checkOpenBrower);
+    auto* layout = new QVBoxLayout(view);
+    layout->setContentsMargins(kMargin, 0, kMargin, 0);
+    layout->setSpacing(8);
+    layout->addStretch(2);
+    layout->addWidget(image, 0, Qt::AlignHCenter);
+    layout->addSpacing(16);
+    layout->addWidget(text);
+    layout->addWidget(hint);
+    layout->addSpacing(30);
+    layout->addWidget(m_scanButton, 0, Qt::AlignHCenter);
+    layout->addStretch(3);
     return view;
 }
 
 QWidget* InternetViewController::createScanningView() {
     auto* view = new QWidget(m_views);
     m_scanIndicator = new MLCircularIndicator(view, 120);
-    m_scanIndicator->move((width() - 120) / 2, 90);
     m_scanningLabel = Style::label("Looking for browsers", 13, true);
-    m_scanningLabel->setParent(view);
     m_scanningLabel->setTextFormat(Qt::PlainText);
     m_scanningLabel->setAlignment(Qt::AlignCenter);
-    m_scanningLabel->setGeometry(0, 230, width(), 22);
+    m_scanningLabel->setWordWrap(true);
+    auto* layout = new QVBoxLayout(view);
+    layout->setContentsMargins(kMargin, 0, kMargin, 0);
+    layout->setSpacing(20);
+    layout->addStretch(2);
+    layout->addWidget(m_scanIndicator, 0, Qt::AlignHCenter);
+    layout->addWidget(m_scanningLabel);
+    layout->addStretch(3);
     return view;
 }
 
@@ -148,26 +166,20 @@ QTableView* InternetViewController::createTable(QAbstractItemModel* model, const
 QWidget* InternetViewController::createResultView() {
     m_resultView = new QWidget(m_views);
     m_foundLabel = Style::label(QString(), 13, true);
-    m_foundLabel->setParent(m_resultView);
-    m_foundLabel->setGeometry(kMargin + 6, 6, kBrowserTableWidth, 28);
     m_detailLabel = Style::label(QString(), 15, false, true);
-    m_detailLabel->setParent(m_resultView);
     m_detailLabel->setTextFormat(Qt::PlainText);
-    const int rightLeft = kMargin + kBrowserTableWidth + 16;
-    m_detailLabel->setGeometry(rightLeft + 6, 6, width() - kMargin - rightLeft - 6, 28);
 
     m_browserModel = new BrowserTableModel(this);
     m_browserTable = createTable(m_browserModel, {BrowserTableModel::columnWidth(BrowserTableModel::CheckBox),
                                                   BrowserTableModel::columnWidth(BrowserTableModel::Name)});
-    m_browserTable->setGeometry(kMargin, kTableTop, kBrowserTableWidth, kTableHeight);
+    m_browserTable->setFixedWidth(kBrowserTableWidth);
     connect(m_browserTable->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) {
                 if (current.isValid() && current.row() != m_broSelectIndex) highlightBrowser(current.row());
             });
     m_noBrowserLabel = Style::label("No browser found", 13, true);
-    m_noBrowserLabel->setParent(m_resultView);
     m_noBrowserLabel->setAlignment(Qt::AlignCenter);
-    m_noBrowserLabel->setGeometry(kMargin, kTableTop + 40, kBrowserTableWidth, 60);
+    m_noBrowserLabel->setContentsMargins(0, 60, 0, 0);
     m_noBrowserLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
 
     m_categoryModel = new CategoryTableModel(this);
@@ -175,35 +187,50 @@ QWidget* InternetViewController::createResultView() {
     for (int column = 0; column < CategoryTableModel::ColumnCount; ++column)
         widths.append(CategoryTableModel::columnWidth(column));
     m_categoryTable = createTable(m_categoryModel, widths);
-    m_categoryTable->setGeometry(rightLeft, kTableTop, width() - kMargin - rightLeft, kTableHeight);
 
     m_thoroughButton = new ImageToggle("checkbox_no", m_resultView);
     m_thoroughButton->setToolTip("Thorough cleaning");
-    m_thoroughButton->move(kMargin + 8, kFooterTop + 4);
+    m_thoroughButton->setAccessibleName("Thorough cleaning");
     connect(m_thoroughButton, &ImageToggle::clicked, this, [this] {
         m_thoroughButton->setImageName(isThorough() ? "checkbox_no" : "checkbox_yes");
     });
     m_thoroughLabel = Style::label("Thorough: rewrite each cleaned database, so that deleted rows leave no trace "
                                    "in it (slower)",
                                    11, true);
-    m_thoroughLabel->setParent(m_resultView);
     m_thoroughLabel->setWordWrap(true);
-    m_thoroughLabel->setGeometry(kMargin + 32, kFooterTop - 8, 400, 40);
     m_thoroughLabel->installEventFilter(this);
 
     m_cleanIndicator = new MLCircularIndicator(m_resultView, 30);
     m_cleanIndicator->setIndeterminate(true);
     m_cleanIndicator->hide();
     m_cleanButton = ImageSetButton::primary("Clean", m_resultView);
-    m_cleanButton->setFixedWidth(130);
-    m_cleanButton->move(width() - kMargin - m_cleanButton->width(), kFooterTop - 4);
+    m_cleanButton->setMinimumWidth(130);
     connect(m_cleanButton, &QPushButton::clicked, this, &InternetViewController::cleanButtonAction);
     m_backButton = ImageSetButton::secondary("Back", m_resultView);
-    m_backButton->setFixedWidth(100);
-    m_backButton->move(m_cleanButton->x() - 12 - m_backButton->width(), kFooterTop - 4);
+    m_backButton->setMinimumWidth(100);
     connect(m_backButton, &QPushButton::clicked, this, &InternetViewController::backButtonAction);
-    m_cleanIndicator->move(m_backButton->x() - 12 - m_cleanIndicator->width(),
-                           m_cleanButton->y() + (m_cleanButton->sizeHint().height() - m_cleanIndicator->height()) / 2);
+
+    // The browsers at the left, the chosen browser's categories taking the rest.
+    auto* layout = new QGridLayout(m_resultView);
+    layout->setContentsMargins(kMargin, 6, kMargin, 30);
+    layout->setHorizontalSpacing(16);
+    layout->setVerticalSpacing(6);
+    layout->addWidget(m_foundLabel, 0, 0);
+    layout->addWidget(m_detailLabel, 0, 1);
+    layout->addWidget(m_browserTable, 1, 0);
+    layout->addWidget(m_noBrowserLabel, 1, 0, Qt::AlignTop);
+    layout->addWidget(m_categoryTable, 1, 1);
+    layout->setRowStretch(1, 1);
+    layout->setColumnStretch(1, 1);
+    auto* footer = new QHBoxLayout;
+    footer->setContentsMargins(8, 12, 0, 0);
+    footer->setSpacing(12);
+    footer->addWidget(m_thoroughButton);
+    footer->addWidget(m_thoroughLabel, 1);
+    footer->addWidget(m_cleanIndicator);
+    footer->addWidget(m_backButton);
+    footer->addWidget(m_cleanButton);
+    layout->addLayout(footer, 2, 0, 1, 2);
     // The order Tab follows: the tables, the option, then the buttons.
     setTabOrder(m_browserTable, m_categoryTable);
     setTabOrder(m_categoryTable, m_thoroughButton);

@@ -10,6 +10,7 @@
 
 class QAbstractItemModel;
 class QLabel;
+class QLayout;
 class QPushButton;
 class QStackedWidget;
 class QTableView;
@@ -76,7 +77,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void createHeader();
+    QLayout* createHeader();
     QWidget* createStartView();
     QWidget* createScanningView();
     QWidget* createResultView();

@@ -19,6 +19,7 @@ GuideNotice::GuideNotice(const QString& title, const QString& messageHtml, QWidg
     m_messageLabel->setOpenExternalLinks(true);
     m_messageLabel->setTextInteractionFlags(Qt::TextBrowserInteraction);
     PanelContent::addButtons(layout, {m_okButton});
+    setCancelButton(m_okButton);
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }
 

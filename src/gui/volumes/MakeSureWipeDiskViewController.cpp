@@ -3,6 +3,7 @@
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/PanelContent.h"
 
+#include <QLabel>
 #include <QVBoxLayout>
 
 namespace velmora {
@@ -16,7 +17,12 @@ MakeSureWipeDiskViewController::MakeSureWipeDiskViewController(const QString& vo
         this, "ic_warning", QString("Erase all data on \"%1\"?").arg(volumeName),
         "Every file on this volume will be removed and its space overwritten. Erased data cannot be recovered, "
         "not even with recovery software.");
+    // The volume's name is shown as it is, never as markup.
+    findChild<QLabel*>("panelTitle")->setTextFormat(Qt::PlainText);
     PanelContent::addButtons(layout, {m_cancelButton, m_continueButton});
+    // Erasing cannot be undone: Enter and Escape cancel; "Continue" needs a click, or Space once focused.
+    setCancelButton(m_cancelButton);
+    m_continueButton->setAutoDefault(false);
     connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_continueButton, &QPushButton::clicked, this, [this] {
         accept();

@@ -5,28 +5,27 @@
 #include "engine/volumes/VolumeScanner.h"
 #include "engine/volumes/WatchMountUnmount.h"
 #include "gui/app/MainWindowController.h"
-#include "gui/erase/FileEraserTableDelegate.h"
 #include "gui/volumes/EidtNameViewcontroller.h"
 #include "gui/volumes/FormatEndViewController.h"
 #include "gui/volumes/MakeSureFormatViewController.h"
 #include "gui/volumes/VolumeTableModel.h"
+#include "gui/volumes/VolumeTableView.h"
 #include "gui/widgets/ImageSetButton.h"
-#include "gui/widgets/ListTable.h"
 #include "gui/widgets/MLCircularIndicator.h"
 #include "gui/widgets/Style.h"
 
+#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QTableView>
 #include <QTimer>
+#include <QVBoxLayout>
 
 namespace velmora {
 namespace {
 
-constexpr int kTableTop = 100;
-constexpr int kTableHeight = 400;
 constexpr int kMargin = 26;
-constexpr int kFooterTop = 530;
 constexpr int kButtonWidth = 130;
 constexpr int kButtonGap = 12;
 constexpr int kEndViewDelayMs = 1000;
@@ -50,9 +49,15 @@ RepairDiskViewController::RepairDiskViewController(MainWindowController* superDe
       m_mountWatcher(new WatchMountUnmount(this)),
       m_model(new VolumeTableModel(this)) {
     resize(MainWindowController::kPageWidth, MainWindowController::kPageHeight);
-    createHeader();
-    createTable();
-    createFooter();
+    // The page grows with the window: the list takes the height, the name column the width.
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(kMargin, 28, kMargin, 34);
+    layout->setSpacing(0);
+    layout->addLayout(createHeader());
+    layout->addSpacing(14);
+    layout->addLayout(createTable(), 1);
+    layout->addSpacing(24);
+    layout->addLayout(createFooter());
     setButtonState();
 
     connect(m_scanner, &VolumeScanner::scanBegan, this, &RepairDiskViewController::scanBegan);
@@ -73,59 +78,59 @@ RepairDiskViewController::RepairDiskViewController(MainWindowController* superDe
 // The disk tool waits for an action under way, the scanner for its scan.
 RepairDiskViewController::~RepairDiskViewController() = default;
 
-void RepairDiskViewController::createHeader() {
+QLayout* RepairDiskViewController::createHeader() {
     m_titleLabel = Style::label(QString(), 22, false, true);
-    m_titleLabel->setParent(this);
-    m_titleLabel->setGeometry(40, 28, 600, 34);
     m_subtitleLabel = Style::label(QString(), 12, true);
-    m_subtitleLabel->setParent(this);
-    m_subtitleLabel->setGeometry(40, 62, 680, 20);
+    m_subtitleLabel->setWordWrap(true);
+    auto* texts = new QVBoxLayout;
+    texts->setContentsMargins(14, 0, 0, 0);
+    texts->setSpacing(4);
+    texts->addWidget(m_titleLabel);
+    texts->addWidget(m_subtitleLabel);
     // People copy a drive before they format or erase it: the drive copy opens from here.
     QPushButton* copyDrive = ImageSetButton::secondary("Copy Drive", this);
-    copyDrive->setFixedWidth(kButtonWidth);
-    copyDrive->move(width() - kMargin - kButtonWidth, 32);
+    copyDrive->setMinimumWidth(kButtonWidth);
     connect(copyDrive, &QPushButton::clicked, this, [this] {
         if (m_superDelegate) m_superDelegate->showDiskCopyView();
     });
+    auto* header = new QHBoxLayout;
+    header->setSpacing(14);
+    header->addLayout(texts, 1);
+    header->addWidget(copyDrive, 0, Qt::AlignTop);
+    return header;
 }
 
-void RepairDiskViewController::createTable() {
-    m_tableView = new QTableView(this);
-    m_tableView->setGeometry(kMargin, kTableTop, width() - 2 * kMargin, kTableHeight);
-    m_tableView->setModel(m_model);
-    m_tableView->setItemDelegate(new FileEraserTableDelegate(m_tableView));
-    m_tableView->setSelectionMode(QAbstractItemView::NoSelection);
-    QList<int> columnWidths;
-    for (int column = 0; column < VolumeTableModel::ColumnCount; ++column)
-        columnWidths.append(VolumeTableModel::columnWidth(column));
-    applyListTableLook(m_tableView, 44, columnWidths);
+QLayout* RepairDiskViewController::createTable() {
+    m_tableView = createVolumeTable(m_model, this);
     connect(m_tableView, &QTableView::clicked, this,
             [this](const QModelIndex& index) { selectVolumeButton(index.row()); });
-    // From the keyboard: Tab into the list (a ring shows), Up and Down choose, Tab goes on to the buttons.
-    m_tableView->setFocusPolicy(Qt::TabFocus);
-    m_tableView->setTabKeyNavigation(false);
-    m_tableView->setStyleSheet(m_tableView->styleSheet() +
-                               QString("QTableView:focus { border: 2px solid %1; border-radius: 6px; }")
-                                   .arg(Style::rgba(Style::kAccent)));
     m_tableView->installEventFilter(this);
 
     m_busyIndicator = new MLCircularIndicator(this, 48);
-    m_busyIndicator->move(m_tableView->geometry().center() - QPoint(24, 24));
     m_busyIndicator->setIndeterminate(true);
     m_busyIndicator->hide();
+    // The busy indicator stands over the middle of the list.
+    auto* area = new QGridLayout;
+    area->addWidget(m_tableView, 0, 0);
+    area->addWidget(m_busyIndicator, 0, 0, Qt::AlignCenter);
+    return area;
 }
 
-void RepairDiskViewController::createFooter() {
+// "Eject" stands left of the mode's main button ("Rename" or "Format") at the right edge.
+QLayout* RepairDiskViewController::createFooter() {
     m_selectedLabel = Style::label(QString(), 13, true);
-    m_selectedLabel->setParent(this);
     m_selectedLabel->setTextFormat(Qt::PlainText);
-    m_selectedLabel->setGeometry(kMargin + 6, kFooterTop, width() - 2 * kMargin - 2 * (kButtonWidth + kButtonGap), 36);
+    m_selectedLabel->setWordWrap(true);
     m_ejectButton = ImageSetButton::secondary(QString(), this);
     m_renameButton = ImageSetButton::primary(QString(), this);
     m_formatButton = ImageSetButton::primary(QString(), this);
+    auto* footer = new QHBoxLayout;
+    footer->setContentsMargins(6, 0, 0, 0);
+    footer->setSpacing(kButtonGap);
+    footer->addWidget(m_selectedLabel, 1);
     for (QPushButton* button : {m_ejectButton, m_renameButton, m_formatButton}) {
-        button->setFixedSize(kButtonWidth, 36);
-        button->move(width() - kMargin - kButtonWidth, kFooterTop);
+        button->setMinimumSize(kButtonWidth, 36);
+        footer->addWidget(button);
     }
     setTabOrder(m_tableView, m_ejectButton);
     setTabOrder(m_ejectButton, m_renameButton);
@@ -133,6 +138,7 @@ void RepairDiskViewController::createFooter() {
     connect(m_formatButton, &QPushButton::clicked, this, &RepairDiskViewController::formatButtonAction);
     connect(m_renameButton, &QPushButton::clicked, this, &RepairDiskViewController::renameButtonAction);
     connect(m_ejectButton, &QPushButton::clicked, this, &RepairDiskViewController::ejectButtonAction);
+    return footer;
 }
 
 void RepairDiskViewController::setButtonState() {
@@ -196,6 +202,7 @@ void RepairDiskViewController::scanEnded() {
 void RepairDiskViewController::reloadData() {
     const bool listed = m_selectIndex >= 0 && m_selectIndex < allVolumeArr().size();
     m_model->reloadData(allVolumeArr(), listed ? m_selectVolume.volumePath : QString());
+    fitVolumeColumns(m_tableView);
 }
 
 // The row of the chosen volume in the current list, by its device node and UUID:
@@ -234,11 +241,6 @@ void RepairDiskViewController::changeButtonPoint() {
     m_formatButton->setEnabled(chosen && idle);
     m_renameButton->setEnabled(chosen && idle);
     m_ejectButton->setEnabled(chosen && idle);
-    // The mode's main button stands at the right edge, "Eject" left of "Rename".
-    const int right = width() - kMargin - kButtonWidth;
-    m_formatButton->move(right, kFooterTop);
-    m_renameButton->move(right, kFooterTop);
-    m_ejectButton->move(right - kButtonWidth - kButtonGap, kFooterTop);
 }
 
 bool RepairDiskViewController::eventFilter(QObject* watched, QEvent* event) {

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 class QLabel;
+class QLayout;
 class QPushButton;
 class QTableView;
 
@@ -86,9 +87,9 @@ private:
         QString message;
     };
 
-    void createHeader();
-    void createTable();
-    void createFooter();
+    QLayout* createHeader();
+    QLayout* createTable();
+    QLayout* createFooter();
     void showMode();
     void reloadData();
     int rowOfSelectedVolume() const;

@@ -9,7 +9,6 @@
 #include "engine/volumes/WatchMountUnmount.h"
 #include "engine/volumes/WholeDriveErase.h"
 #include "gui/app/MainWindowController.h"
-#include "gui/erase/FileEraserTableDelegate.h"
 #include "gui/erase/SetEraserLevelVC.h"
 #include "gui/history/HistoryViewController.h"
 #include "gui/volumes/MakeSureWipeDiskViewController.h"
@@ -17,31 +16,32 @@
 #include "gui/volumes/NTFSViewController.h"
 #include "gui/volumes/SystemEraserViewController.h"
 #include "gui/volumes/VolumeTableModel.h"
+#include "gui/volumes/VolumeTableView.h"
 #include "gui/volumes/WipeDiskProViewController.h"
 #include "gui/volumes/WipeFailViewController.h"
 #include "gui/volumes/WipeSuccessViewController.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
-#include "gui/widgets/ListTable.h"
 #include "gui/widgets/MLCircularIndicator.h"
 #include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/Style.h"
 
-#include <QHeaderView>
+#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QTableView>
+#include <QVBoxLayout>
 
 namespace velmora {
 namespace {
 
-constexpr int kTableTop = 100;
-constexpr int kTableHeight = 400;
 constexpr int kMargin = 26;
 
 ImageToggle* headerButton(const QString& image, const QString& tip, QWidget* parent) {
     auto* button = new ImageToggle(image, parent, 26);
     button->setToolTip(tip);
+    button->setAccessibleName(tip);
     return button;
 }
 
@@ -57,9 +57,15 @@ WipeDiskViewController::WipeDiskViewController(MainWindowController* superDelega
       m_model(new VolumeTableModel(this)) {
     resize(MainWindowController::kPageWidth, MainWindowController::kPageHeight);
     m_wipe->setVolumeScanner(m_scanner);
-    createHeader();
-    createTable();
-    createFooter();
+    // The page grows with the window: the list takes the height, the name column the width.
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(kMargin, 28, kMargin, 34);
+    layout->setSpacing(0);
+    layout->addLayout(createHeader());
+    layout->addSpacing(14);
+    layout->addLayout(createTable(), 1);
+    layout->addSpacing(24);
+    layout->addLayout(createFooter());
     m_levelPanel = new SlidePanel(this);
     m_historyPanel = new SlidePanel(this);
 
@@ -76,6 +82,7 @@ WipeDiskViewController::WipeDiskViewController(MainWindowController* superDelega
         if (m_progressPanel) m_progressPanel->closeWindow();
     });
     connect(m_wipe, &FreeSpaceWipe::eraserEnded, this, &WipeDiskViewController::showEndEraser);
+    connect(m_erase, &WholeDriveErase::stageTwoBegan, this, &WipeDiskViewController::stageTwoBegan);
 
     changeFormatOrFreeSpaceView(1);
     updateHistoryButton();
@@ -85,58 +92,61 @@ WipeDiskViewController::WipeDiskViewController(MainWindowController* superDelega
 // The fill and the disk utility stop with their owners; the scanner waits for its scan.
 WipeDiskViewController::~WipeDiskViewController() = default;
 
-void WipeDiskViewController::createHeader() {
+QLayout* WipeDiskViewController::createHeader() {
     m_titleLabel = Style::label(QString(), 22, false, true);
-    m_titleLabel->setParent(this);
-    m_titleLabel->setGeometry(40, 28, 500, 34);
     m_subtitleLabel = Style::label(QString(), 12, true);
-    m_subtitleLabel->setParent(this);
-    m_subtitleLabel->setGeometry(40, 62, 580, 20);
+    m_subtitleLabel->setWordWrap(true);
+    auto* texts = new QVBoxLayout;
+    texts->setContentsMargins(14, 0, 0, 0);
+    texts->setSpacing(4);
+    texts->addWidget(m_titleLabel);
+    texts->addWidget(m_subtitleLabel);
 
     auto* settings = headerButton("ic_setting", "Erasure level", this);
-    settings->move(680, 36);
     connect(settings, &ImageToggle::clicked, this, &WipeDiskViewController::setButtonAction);
     m_historyButton = headerButton("ic_nohistory", "Erasure history", this);
-    m_historyButton->move(720, 36);
     connect(m_historyButton, &ImageToggle::clicked, this, &WipeDiskViewController::historyButtonAction);
+    auto* header = new QHBoxLayout;
+    header->setSpacing(14);
+    header->addLayout(texts, 1);
+    header->addWidget(settings, 0, Qt::AlignTop);
+    header->addWidget(m_historyButton, 0, Qt::AlignTop);
+    header->addSpacing(12);
+    return header;
 }
 
-void WipeDiskViewController::createTable() {
-    m_tableView = new QTableView(this);
-    m_tableView->setGeometry(kMargin, kTableTop, width() - 2 * kMargin, kTableHeight);
-    m_tableView->setModel(m_model);
-    m_tableView->setItemDelegate(new FileEraserTableDelegate(m_tableView));
-    m_tableView->setSelectionMode(QAbstractItemView::NoSelection);
-    QList<int> columnWidths;
-    for (int column = 0; column < VolumeTableModel::ColumnCount; ++column)
-        columnWidths.append(VolumeTableModel::columnWidth(column));
-    applyListTableLook(m_tableView, 44, columnWidths);
-    // A click anywhere on a row chooses its volume; from the keyboard (Tab into the
-    // list, which then shows a ring), Up and Down choose, as in a group of radio buttons.
+QLayout* WipeDiskViewController::createTable() {
+    m_tableView = createVolumeTable(m_model, this);
+    // A click anywhere on a row chooses its volume; from the keyboard Up and Down
+    // choose, as in a group of radio buttons.
     connect(m_tableView, &QTableView::clicked, this,
             [this](const QModelIndex& index) { selectVolumeButton(index.row()); });
-    m_tableView->setFocusPolicy(Qt::TabFocus);
-    m_tableView->setTabKeyNavigation(false);  // Tab leaves the list for "Erase Now"
-    m_tableView->setStyleSheet(m_tableView->styleSheet() +
-                               QString("QTableView:focus { border: 2px solid %1; border-radius: 6px; }")
-                                   .arg(Style::rgba(Style::kAccent)));
     m_tableView->installEventFilter(this);
 
     m_busyIndicator = new MLCircularIndicator(this, 48);
-    m_busyIndicator->move(m_tableView->geometry().center() - QPoint(24, 24));
     m_busyIndicator->setIndeterminate(true);
     m_busyIndicator->hide();
+    // The busy indicator stands over the middle of the list.
+    auto* area = new QGridLayout;
+    area->addWidget(m_tableView, 0, 0);
+    area->addWidget(m_busyIndicator, 0, 0, Qt::AlignCenter);
+    return area;
 }
 
-void WipeDiskViewController::createFooter() {
+QLayout* WipeDiskViewController::createFooter() {
     m_selectedLabel = Style::label(QString(), 13, true);
-    m_selectedLabel->setParent(this);
-    m_selectedLabel->setGeometry(kMargin + 6, 530, 520, 36);
+    m_selectedLabel->setTextFormat(Qt::PlainText);
+    m_selectedLabel->setWordWrap(true);
     m_wipeButton = ImageSetButton::primary("Erase Now", this);
-    m_wipeButton->setFixedWidth(130);
-    m_wipeButton->move(width() - kMargin - m_wipeButton->width(), 530);
+    m_wipeButton->setMinimumWidth(130);
     m_wipeButton->setEnabled(false);
     connect(m_wipeButton, &QPushButton::clicked, this, &WipeDiskViewController::wipeButtonAction);
+    auto* footer = new QHBoxLayout;
+    footer->setContentsMargins(6, 0, 0, 0);
+    footer->setSpacing(16);
+    footer->addWidget(m_selectedLabel, 1);
+    footer->addWidget(m_wipeButton);
+    return footer;
 }
 
 int WipeDiskViewController::selectEraserType() const { return m_wipe->selectEraserType; }
@@ -201,6 +211,7 @@ void WipeDiskViewController::reloadData() {
     // The radio marks the chosen volume only while it is listed.
     const bool listed = m_selectIndex >= 0 && m_selectIndex < allVolumeArr().size();
     m_model->reloadData(allVolumeArr(), listed ? m_wipe->selectVolumeObj.volumePath : QString());
+    fitVolumeColumns(m_tableView);
 }
 
 void WipeDiskViewController::selectVolumeButton(int clickedRow) {
@@ -306,9 +317,30 @@ void WipeDiskViewController::makeSureToWipeSelectVolume() {
     connect(panel, &WipeFreeSpaceProViewController::cancelWipeButtonAction, m_wipe,
             &FreeSpaceWipe::cancelWipeDiskButtonAction);
     m_progressPanel = panel;
+    const QString name = m_wipe->selectVolumeObj.volumeName;
     m_progressPanel->setRemoveProgress("Reformatting the volume…", 0);
+    m_progressPanel->setStage(QString("Step 1 of 2: reformatting \"%1\"").arg(name), true);
     m_erase->makeSureToWipeSelectVolume();
     m_progressPanel->open();
+}
+
+void WipeDiskViewController::stageTwoBegan() {
+    if (!m_progressPanel) return;
+    m_progressPanel->setRemoveProgress("Removing what the reformat left…", 0);
+    m_progressPanel->setStage(
+        QString("Step 2 of 2: overwriting all the space of \"%1\"").arg(m_wipe->selectVolumeObj.volumeName), true);
+}
+
+// The end view's title names the volume and says what happened to it.
+QString WipeDiskViewController::endTitle(bool succeeded, bool cancelled) const {
+    const QString name = m_wipe->selectVolumeObj.volumeName;
+    if (m_wipe->selectEraserType == 2) {
+        if (succeeded) return QString("\"%1\" has been erased").arg(name);
+        return cancelled ? QString("Erasing \"%1\" was cancelled").arg(name) : QString("\"%1\" was not erased").arg(name);
+    }
+    if (succeeded) return QString("The free space of \"%1\" has been erased").arg(name);
+    return cancelled ? QString("Erasing the free space of \"%1\" was cancelled").arg(name)
+                     : QString("The free space of \"%1\" was not erased").arg(name);
 }
 
 void WipeDiskViewController::showEndEraser(bool succeeded, const QString& endText, bool cancelled) {
@@ -316,10 +348,11 @@ void WipeDiskViewController::showEndEraser(bool succeeded, const QString& endTex
     lockSidebar(false);
     if (m_progressPanel) m_progressPanel->closeWindow();
     if (succeeded) {
-        m_successPanel = new WipeSuccessViewController(endText, this);
+        m_successPanel = new WipeSuccessViewController(endTitle(true, false), endText, this);
         m_successPanel->open();
     } else {
-        m_failPanel = new WipeFailViewController(endText, m_wipe->failureDetail(), cancelled, this);
+        m_failPanel = new WipeFailViewController(endTitle(false, cancelled), endText, m_wipe->failureDetail(), cancelled,
+                                                 this);
         m_failPanel->open();
     }
     updateHistoryButton();

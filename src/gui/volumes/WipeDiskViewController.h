@@ -6,6 +6,7 @@
 #include <QWidget>
 
 class QLabel;
+class QLayout;
 class QPushButton;
 class QTableView;
 
@@ -83,9 +84,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void createHeader();
-    void createTable();
-    void createFooter();
+    QLayout* createHeader();
+    QLayout* createTable();
+    QLayout* createFooter();
     void reloadData();
     bool confirmationOpen() const;
     int rowOfSelectedVolume() const;
@@ -97,6 +98,8 @@ private:
     void makeSureToWipeFreeSpaceSelectVolume();
     void confirmationCancelled();
     void makeSureToWipeSelectVolume();
+    void stageTwoBegan();
+    QString endTitle(bool succeeded, bool cancelled) const;
     void openProgressPanel(WipeFreeSpaceProViewController* panel);
     void showEndEraser(bool succeeded, const QString& endText, bool cancelled);
     void showNotice(GuideNotice* notice);

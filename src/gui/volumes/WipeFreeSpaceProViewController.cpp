@@ -21,6 +21,7 @@ WipeFreeSpaceProViewController::WipeFreeSpaceProViewController(const QString& le
                                                                const QString& title)
     : MAAttachedWindow(parent, {480, 250}),
       m_typeLabel(Style::label(levelName, 12, true)),
+      m_stageLabel(Style::label(QString(), 13)),
       m_bar(new QProgressBar(this)),
       m_pathLabel(Style::label("Preparing…", 12)),
       m_cancelNote(Style::label("Cancelling… the wipe stops at its next step.", 12)),
@@ -32,6 +33,11 @@ WipeFreeSpaceProViewController::WipeFreeSpaceProViewController(const QString& le
     layout->addWidget(Style::label(title, 15, false, true));
     m_typeLabel->setObjectName("typeLabel");
     layout->addWidget(m_typeLabel);
+    m_stageLabel->setObjectName("stageLabel");
+    m_stageLabel->setTextFormat(Qt::PlainText);
+    m_stageLabel->setWordWrap(true);
+    m_stageLabel->hide();
+    layout->addWidget(m_stageLabel);
     layout->addSpacing(8);
 
     m_bar->setRange(0, 100 * kBarScale);
@@ -56,6 +62,8 @@ WipeFreeSpaceProViewController::WipeFreeSpaceProViewController(const QString& le
     buttons->addStretch(1);
     buttons->addWidget(m_cancelButton);
     layout->addLayout(buttons);
+    // Escape cancels the run, as a click on Cancel does.
+    setCancelButton(m_cancelButton);
     connect(m_cancelButton, &QPushButton::clicked, this, [this] {
         m_cancelButton->setEnabled(false);
         m_cancelNote->show();
@@ -65,10 +73,22 @@ WipeFreeSpaceProViewController::WipeFreeSpaceProViewController(const QString& le
 }
 
 void WipeFreeSpaceProViewController::setRemoveProgress(const QString& statusText, float percent) {
+    m_bar->setRange(0, 100 * kBarScale);
     m_progress = qMax(percent, kLeastShownPercent);
     m_bar->setValue(int(qMin(m_progress, 100.0f) * kBarScale));
     m_pathLabel->setText(statusText);
 }
+
+void WipeFreeSpaceProViewController::setStage(const QString& stageText, bool busy) {
+    m_stageLabel->setText(stageText);
+    m_stageLabel->setVisible(!stageText.isEmpty());
+    if (busy) m_bar->setRange(0, 0);
+    // The panel is as tall as its content.
+    setFixedHeight(qMax(height(), layout()->totalHeightForWidth(width())));
+}
+
+QString WipeFreeSpaceProViewController::stageText() const { return m_stageLabel->text(); }
+bool WipeFreeSpaceProViewController::isBusy() const { return m_bar->maximum() == 0; }
 
 QString WipeFreeSpaceProViewController::typeText() const { return m_typeLabel->text(); }
 QString WipeFreeSpaceProViewController::pathText() const { return m_pathLabel->text(); }

@@ -6,11 +6,12 @@ class QPushButton;
 
 namespace velmora {
 
-// The end of a wipe that succeeded: the engine's success text and "OK".
+// The end of a wipe that succeeded: a title naming the volume, the engine's
+// success text and "OK".
 class WipeSuccessViewController : public MAAttachedWindow {
     Q_OBJECT
 public:
-    WipeSuccessViewController(const QString& text, QWidget* parent);
+    WipeSuccessViewController(const QString& title, const QString& text, QWidget* parent);
     QPushButton* okButton() const { return m_okButton; }
 
 private:
