@@ -14,12 +14,10 @@
 #include "cli/VolumesCommand.h"
 #include "cli/WipeFreeCommand.h"
 #include "engine/erase/EraserLevel.h"
-#include "engine/erase/PrivilegedHelper.h"
 #include "engine/platform/NativePath.h"
 
 #include <QCoreApplication>
 #include <functional>
-#include <string_view>
 
 namespace {
 
@@ -50,16 +48,15 @@ const Command kCommands[] = {
     {"uninstall", "uninstall [--yes] [--include-possible] [--json] APP...   remove applications with their pre-ticked related files", velmora::cli::runUninstallCommand},
 };
 
-void printUsage() {
-    velmora::cli::printErr("usage: velmora-cli COMMAND [ARGS]\n\ncommands:");
-    for (const Command& command : kCommands) velmora::cli::printErr(QString("  ") + command.usage);
+// On standard output when asked for with --help, on standard error after a usage error.
+void printUsage(void (*print)(const QString&)) {
+    print("usage: velmora-cli COMMAND [ARGS]\n       velmora-cli --help | --version\n\ncommands:");
+    for (const Command& command : kCommands) print(QString("  ") + command.usage);
 }
 
 }  // namespace
 
 int main(int argc, char* argv[]) {
-    // The privileged helper (started through pkexec) runs before anything else, as plain code.
-    if (argc == 2 && std::string_view(argv[1]) == velmora::PrivilegedHelper::kCommandLineFlag) return velmora::PrivilegedHelper::serve(0, 1);
     QCoreApplication app(argc, argv);
     QCoreApplication::setOrganizationName("Velmora");
     QCoreApplication::setApplicationName("Velmora Data Eraser");
@@ -68,14 +65,18 @@ int main(int argc, char* argv[]) {
     QStringList args;
     for (int i = 1; i < argc; ++i) args.append(velmora::pathFromNative(argv[i]));
     if (args.isEmpty() || args.first() == "--help" || args.first() == "-h") {
-        printUsage();
+        printUsage(args.isEmpty() ? velmora::cli::printErr : velmora::cli::printOut);
         return args.isEmpty() ? 2 : 0;
+    }
+    if (args.first() == "--version") {
+        velmora::cli::printOut(QString("velmora-cli (Velmora Data Eraser) %1").arg(VELMORA_VERSION));
+        return 0;
     }
     velmora::EraserLevel::writeDefaultIfUnset();
     const QString name = args.takeFirst();
     for (const Command& command : kCommands)
         if (name == command.name) return command.run(args);
     velmora::cli::printErr(QString("velmora-cli: unknown command \"%1\"").arg(name));
-    printUsage();
+    printUsage(velmora::cli::printErr);
     return 2;
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <string_view>
 
 using namespace velmora::diskutil;
 
@@ -32,6 +33,14 @@ int main(int argc, char** argv) {
         {"rename", renameCommand},   {"eject", ejectCommand},
         {"eraseVolume", eraseVolumeCommand}, {"reformat", reformatCommand},
     };
+    if (argc == 2 && std::string_view(argv[1]) == "--help") {
+        std::cout << usage << "\n       velmora-diskutil --help | --version" << std::endl;
+        return 0;
+    }
+    if (argc == 2 && std::string_view(argv[1]) == "--version") {
+        std::cout << "velmora-diskutil (Velmora Data Eraser) " << VELMORA_VERSION << std::endl;
+        return 0;
+    }
     if (argc < 2) return fail(usage);
     const auto command = commands.find(argv[1]);
     if (command == commands.end()) return fail(std::string("Unknown verb: ") + argv[1] + ". " + usage);

@@ -11,6 +11,7 @@ namespace velmora {
 const char* const kUsage =
     "usage: srm [-fsEmzrv0] PATH...\n"
     "       srm [-fsEmzrv0] --files0-from=FILE\n"
+    "       srm --help | --version\n"
     "  -s  one pass of random data\n"
     "  -E  three passes: random, random, 0x44 0x6F 0x45\n"
     "  -m  seven passes: 0xF6, 0x00, 0xFF, random, 0x00, 0xFF, random\n"

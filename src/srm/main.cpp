@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <string_view>
 
 namespace {
 
@@ -26,6 +27,16 @@ int main(int argc, char** argv)
 {
     // The reader of our output may go away; that must not stop an erasure half-way.
     std::signal(SIGPIPE, SIG_IGN);
+
+    // A lone --help or --version; any other argument list is the erasure's.
+    if (argc == 2 && std::string_view(argv[1]) == "--help") {
+        std::fputs(velmora::kUsage, stdout);
+        return 0;
+    }
+    if (argc == 2 && std::string_view(argv[1]) == "--version") {
+        std::printf("srm (Velmora Data Eraser) %s\n", VELMORA_VERSION);
+        return 0;
+    }
 
     std::string error;
     std::optional<velmora::Options> options = velmora::parseOptions(argc, argv, error);

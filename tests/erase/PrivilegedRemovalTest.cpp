@@ -31,9 +31,9 @@ protected:
     }
 };
 
-// velmora-cli's helper mode, started directly (we are root already) instead of through pkexec.
+// The helper program, started directly (we are root already) instead of through pkexec.
 TEST_F(PrivilegedRemovalTest, HelperRemovesExactlyTheItemAskedAndNeverFollowsALink) {
-    PrivilegedHelperClient helper({binDir() + "/velmora-cli", PrivilegedHelper::kCommandLineFlag});
+    PrivilegedHelperClient helper({binDir() + "/velmora-privileged-helper"});
     ASSERT_TRUE(helper.start());
     const auto identity = [](const QString& path) { return *TreeRemoval::identityOf(QFile::encodeName(path)); };
     const QString outside = makeTree("outside");

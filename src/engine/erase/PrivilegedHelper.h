@@ -6,10 +6,9 @@
 
 namespace velmora::PrivilegedHelper {
 
-// velmora-cli runs as the privileged helper when started with this single
-// argument (through pkexec). It then serves removal requests from the process
-// that started it, so that a batch asks for the administrator password once.
-constexpr const char* kCommandLineFlag = "--privileged-helper";
+// The program velmora-privileged-helper (started through pkexec) serves removal
+// requests from the process that started it, so that a batch asks for the
+// administrator password once.
 
 // What the helper sends once it runs with its rights, before any request.
 constexpr const char* kGreeting = "velmora-helper ready";

@@ -38,8 +38,7 @@ int waitFor(pid_t pid) {
 
 QStringList PrivilegedHelperClient::defaultLaunchCommand() {
     // pkexec runs only programs given by absolute path.
-    return {"pkexec", QFileInfo(StandardPaths::toolPath("velmora-cli")).absoluteFilePath(),
-            PrivilegedHelper::kCommandLineFlag};
+    return {"pkexec", QFileInfo(StandardPaths::toolPath("velmora-privileged-helper")).absoluteFilePath()};
 }
 
 PrivilegedHelperClient::PrivilegedHelperClient(QStringList launchCommand) : m_launchCommand(std::move(launchCommand)) {}

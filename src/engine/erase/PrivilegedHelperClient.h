@@ -14,12 +14,12 @@ namespace velmora {
 class MessageChannel;
 
 // Holds administrator rights on Linux as one running privileged helper
-// (velmora-cli in its helper mode, started through pkexec): the password is asked
+// (velmora-privileged-helper, started through pkexec): the password is asked
 // when the helper starts, and every later request of this holder goes to the
 // same helper without asking again. One thread at a time may use it.
 class PrivilegedHelperClient {
 public:
-    // pkexec with velmora-cli's absolute path and the helper flag.
+    // pkexec with the helper program's absolute path.
     static QStringList defaultLaunchCommand();
 
     explicit PrivilegedHelperClient(QStringList launchCommand = defaultLaunchCommand());

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QMutex>
 #include <QStandardPaths>
 #include <cerrno>
@@ -184,8 +185,23 @@ QString diskUtilPath() {
 QString toolPath(const QString& name) {
     const QString binDir = fromEnv("VELMORA_BIN_DIR");
     if (!binDir.isEmpty()) return binDir + "/" + name;
-    if (QCoreApplication::instance()) return QCoreApplication::applicationDirPath() + "/" + name;
-    return name;
+    if (!QCoreApplication::instance()) return name;
+    // Installed, the tools have a folder of their own (libexec/velmora, found relative to
+    // the programs' folder); when it exists it is the only place they are taken from, so a
+    // missing tool is never replaced by a program of that name beside ours (/usr/bin/srm).
+    // In the build folder and in a macOS bundle the tools lie beside the programs.
+    const QString programs = QCoreApplication::applicationDirPath();
+    const QString installedTools = QDir::cleanPath(programs + "/" VELMORA_TOOLS_FROM_PROGRAMS);
+    if (QFileInfo(installedTools).isDir()) return installedTools + "/" + name;
+    return programs + "/" + name;
+}
+
+QStringList helperToolNames() {
+#ifdef Q_OS_MACOS
+    return {"srm"};
+#else
+    return {"srm", "velmora-diskutil", "velmora-privileged-helper"};
+#endif
 }
 
 QStringList applicationsDirs() {

@@ -12,7 +12,7 @@ namespace velmora {
 //   VELMORA_HOME          the user's home folder ($HOME unless redirected)
 //   VELMORA_VOLUMES_ROOT  where volumes are mounted on the macOS layout
 //   VELMORA_DISKUTIL      the disk-utility program
-//   VELMORA_BIN_DIR       where the helper tools (srm, velmora-diskutil) live
+//   VELMORA_BIN_DIR       where the helper tools (srm, velmora-diskutil, ...) live
 //   VELMORA_LAYOUT        "macos" or "linux": which folder conventions apply
 namespace StandardPaths {
 
@@ -36,8 +36,11 @@ QString systemRoot();     // always ends without a slash, except "/" itself
 QString homeDir();
 QString volumesRoot();    // "/Volumes" on macOS; empty on Linux (mount points are used)
 QString diskUtilPath();
-// A helper tool shipped beside the application ("srm", "velmora-diskutil").
+// A helper tool shipped with the application ("srm", "velmora-diskutil"): in the
+// installed tools folder (libexec/velmora) when there is one, else beside the program.
 QString toolPath(const QString& name);
+// The helper tools this platform's application runs.
+QStringList helperToolNames();
 
 // Standard folders of the user domain for the current layout.
 QStringList applicationsDirs();

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QStringList>
+
+class QWidget;
+
+namespace velmora {
+
+// The helper tools the application runs that are not where it looks for them
+// (StandardPaths::toolPath), as their paths; empty when the installation is whole.
+QStringList missingHelperTools();
+
+// Says on standard error, and in a window over `parent`, which helper tools are
+// missing, so an incomplete installation is told at launch instead of failing in
+// the middle of an erasure. Does nothing when none is missing.
+void warnAboutMissingHelperTools(QWidget* parent);
+
+}  // namespace velmora
