@@ -14,14 +14,23 @@ namespace {
 // process and the tools it starts, until the end of the scope.
 class ReadPath {
 public:
-    explicit ReadPath(bool batched) {
-        if (batched) qunsetenv("VELMORA_NO_IO_URING");
-        else qputenv("VELMORA_NO_IO_URING", "1");
+    explicit ReadPath(bool batched) : m_before(qgetenv(kSwitch)), m_wasSet(qEnvironmentVariableIsSet(kSwitch)) {
+        if (batched) qunsetenv(kSwitch);
+        else qputenv(kSwitch, "1");
     }
-    ~ReadPath() { qunsetenv("VELMORA_NO_IO_URING"); }
+    ~ReadPath() {
+        if (m_wasSet) qputenv(kSwitch, m_before);
+        else qunsetenv(kSwitch);
+    }
+
+private:
+    static constexpr const char* kSwitch = "VELMORA_NO_IO_URING";
+    QByteArray m_before;
+    bool m_wasSet;
 };
 
 bool batchedReadsServeHere() {
+    const ReadPath path(true);
     DescriptorBudget budget(64);
     return BatchedFirstPages(budget).ready();
 }

@@ -150,8 +150,10 @@ void duplicateFind::findDuplicateFiles(DescriptorBudget& budget, qsizetype worke
             if (count > 1 || (batched && keepOpen)) {
                 for (qsizetype k = 0; k < count; ++k) {
                     const qsizetype i = members[start + k];
+                    // A file that fits in its first page is read whole by then.
+                    const bool keep = keepOpen && files.file(i).size >= algorithm::kFirstPageSize;
                     requests[k] = {files.nativePath(i), files.identity(i), &prints[size_t(i)],
-                                   &opened[size_t(start + k)], keepOpen, BatchedFirstPages::Outcome::NotTried};
+                                   &opened[size_t(start + k)], keep, BatchedFirstPages::Outcome::NotTried};
                 }
                 batched->read(requests, size_t(count));
                 if (!keepOpen) budget.giveBack(count);
