@@ -27,3 +27,12 @@ function(velmora_qtest name)
   set_tests_properties(${name} PROPERTIES TIMEOUT 600
     ENVIRONMENT "VELMORA_BIN_DIR=${CMAKE_BINARY_DIR}/bin;VELMORA_SOURCE_DIR=${CMAKE_SOURCE_DIR};VELMORA_SCREENSHOT_DIR=${CMAKE_BINARY_DIR}/screenshots;QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=0")
 endfunction()
+
+# velmora_qtest_at_scale2(<name>)
+# Runs the Qt Test <name> once more at device pixel ratio 2 (as on a 200 % display), as
+# <name>_scale2, with its screenshots in build/screenshots/scale2.
+function(velmora_qtest_at_scale2 name)
+  add_test(NAME ${name}_scale2 COMMAND ${name})
+  set_tests_properties(${name}_scale2 PROPERTIES TIMEOUT 600
+    ENVIRONMENT "VELMORA_BIN_DIR=${CMAKE_BINARY_DIR}/bin;VELMORA_SOURCE_DIR=${CMAKE_SOURCE_DIR};VELMORA_SCREENSHOT_DIR=${CMAKE_BINARY_DIR}/screenshots/scale2;QT_QPA_PLATFORM=offscreen;QT_SCALE_FACTOR=2;ASAN_OPTIONS=detect_leaks=0")
+endfunction()

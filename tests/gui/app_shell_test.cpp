@@ -1,3 +1,4 @@
+#include "LayoutCheck.h"
 #include "Screenshot.h"
 #include "engine/erase/EraserLevel.h"
 #include "gui/app/MainWindowController.h"
@@ -10,9 +11,12 @@
 #include "gui/widgets/Style.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
+#include <QMenu>
 #include <QLocalServer>
 #include <QProcess>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -82,6 +86,90 @@ private slots:
         saveScreenshot(&window, "shell_disk_tool");
     }
 
+    // The window grows from its minimum; the sidebar and the page area follow, every
+    // page takes the page area's rect, a slide travels the current height, and no text
+    // of the shell or the first page is clipped at either size.
+    void windowResizesAndPagesFollow() {
+        MainWindowController window;
+        window.show();
+        const int sideWidth = window.sidebar()->width();
+        QCOMPARE(window.minimumSize(), QSize(sideWidth + MainWindowController::kPageWidth,
+                                             MainWindowController::kPageHeight));
+        QCOMPARE(window.size(), window.minimumSize());
+        for (const QSize& size : {window.minimumSize(), QSize(1440, 900)}) {
+            window.resize(size);
+            QCOMPARE(window.sidebar()->height(), size.height());
+            QCOMPARE(window.pageArea()->geometry(), QRect(sideWidth, 0, size.width() - sideWidth, size.height()));
+            QCOMPARE(window.allBaseViewArr().at(0)->geometry(), window.pageArea()->rect());
+            for (int tag : {0, 1, 2}) {  // each selected entry in its bold face
+                window.mouseClickAction(tag);
+                QTRY_COMPARE_WITH_TIMEOUT(window.allBaseViewArr().at(MainWindowController::slotForTag(tag))->pos(),
+                                          QPoint(0, 0), 2000);
+                const QStringList clipped = clippedTexts(window.sidebar());
+                QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
+            }
+            window.mouseClickAction(0);
+            QTRY_VERIFY_WITH_TIMEOUT(!window.allBaseViewArr().at(1)->isVisible(), 2000);
+            const QStringList clipped = clippedTexts(&window);
+            QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
+        }
+        saveScreenshot(&window, "shell_large");
+
+        // A resize in the middle of a slide ends it at the new size.
+        window.mouseClickAction(5);
+        QTest::qWait(100);
+        window.resize(1100, 700);
+        QWidget* uninstaller = window.allBaseViewArr().at(3);
+        QCOMPARE(uninstaller->geometry(), window.pageArea()->rect());
+        QTRY_VERIFY(!window.allBaseViewArr().at(0)->isVisible());
+    }
+
+    // The layout check itself: a cut label, a cut button and an elided size are each
+    // reported; a wrapped label with room is not.
+    void layoutCheckReportsEachKindOfClipping() {
+        QWidget root;
+        root.resize(300, 200);
+        auto* cut = new QLabel("A label far too long for its narrow box", &root);
+        cut->setGeometry(0, 0, 60, 20);
+        auto* size = new QLabel("629… MB", &root);
+        size->setToolTip("629.15 MB");
+        size->setGeometry(0, 30, 200, 20);
+        auto* wrapped = new QLabel("Wrapped text that has all the room it needs", &root);
+        wrapped->setWordWrap(true);
+        wrapped->setGeometry(0, 60, 200, 60);
+        auto* button = new QPushButton("Erase Everything Now", &root);
+        button->setGeometry(0, 130, 50, 30);
+        root.show();
+        const QStringList clipped = clippedTexts(&root);
+        QCOMPARE(clipped.size(), 3);
+        QVERIFY(clipped.at(0).contains("far too long"));
+        QVERIFY(clipped.at(1).contains("a size is elided"));
+        QVERIFY(clipped.at(2).contains("Erase Everything"));
+    }
+
+    void windowButtonsAndMenuAreNamedForAssistiveTools() {
+        MainWindowController window;
+        window.show();
+        QStringList names;
+        for (QAbstractButton* button : window.sidebar()->findChildren<QAbstractButton*>()) {
+            if (!button->text().isEmpty()) continue;
+            QVERIFY2(!button->accessibleName().isEmpty() && !button->toolTip().isEmpty(),
+                     button->metaObject()->className());
+            names << button->accessibleName();
+        }
+        names.sort();
+        QCOMPARE(names, QStringList({"Close", "Maximize", "Menu", "Minimize"}));
+        QVERIFY(window.applicationMenu()->actions().size() >= 3);  // Tools, Help, Quit
+
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QTest::keyClick(&window, Qt::Key_F1);
+        auto* help = window.findChild<QDialog*>("helpPanel");
+        QVERIFY(help && help->isVisible());
+        QTest::keyClick(help, Qt::Key_Escape);
+        QTRY_VERIFY(!window.findChild<QDialog*>("helpPanel"));
+    }
+
     void lockedSidebarIgnoresClicks() {
         MainWindowController window;
         window.show();
@@ -104,7 +192,7 @@ private slots:
         SetEraserLevelVC* panel = SetEraserLevelVC::showIn(container);
         QCOMPARE(panel->eraserLevel(), QString("3"));
         QCOMPARE(panel->radioButton("3")->imageName(), QString("radiobutton_sel"));
-        QCOMPARE(container->x(), SlidePanel::kHiddenX);
+        QCOMPARE(container->x(), container->hiddenX());
         QTRY_COMPARE_WITH_TIMEOUT(container->x(), 0, 2000);
         saveScreenshot(&page, "level_panel");
 
@@ -114,7 +202,7 @@ private slots:
         panel->cancelButtonAction();
         QCOMPARE(EraserLevel::stored(), 3);
         QTRY_VERIFY_WITH_TIMEOUT(!container->isVisible(), 2000);
-        QCOMPARE(container->x(), SlidePanel::kHiddenX);
+        QCOMPARE(container->x(), container->hiddenX());
 
         panel = SetEraserLevelVC::showIn(container);
         panel->buttonAction("7");

@@ -9,11 +9,17 @@
 #include "gui/uninstall/UninstallViewController.h"
 #include "gui/volumes/RepairDiskViewController.h"
 #include "gui/volumes/WipeDiskViewController.h"
+#include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/MAAttachedWindow.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
 #include <QGraphicsDropShadowEffect>
 #include <QLabel>
 #include <QMenu>
@@ -24,6 +30,9 @@
 #include <QPropertyAnimation>
 #include <QPushButton>
 #include <QSvgRenderer>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <QWindow>
 
 namespace velmora {
 namespace {
@@ -47,16 +56,61 @@ void sendIfResponds(QObject* page, const char* method, QGenericArgument argument
     if (page->metaObject()->indexOfMethod(signature) >= 0) QMetaObject::invokeMethod(page, method, argument);
 }
 
-QPushButton* windowButton(const QColor& colour, const QString& tip, QWidget* parent) {
+QPushButton* windowButton(const QColor& colour, const QString& name, QWidget* parent) {
     auto* button = new QPushButton(parent);
     button->setFixedSize(12, 12);
-    button->setToolTip(tip);
+    button->setToolTip(name);
+    button->setAccessibleName(name);
     button->setCursor(Qt::PointingHandCursor);
+    button->setFocusPolicy(Qt::TabFocus);
     button->setStyleSheet(QString("QPushButton { background: %1; border-radius: 6px; border: none; }"
-                                  "QPushButton:hover { border: 1px solid rgba(255,255,255,150); }")
-                              .arg(colour.name()));
+                                  "QPushButton:hover { border: 1px solid rgba(255,255,255,150); }"
+                                  "QPushButton:focus { border: 2px solid %2; }")
+                              .arg(colour.name(), Style::kAccent.name()));
     return button;
 }
+
+// A thin strip along an edge or a corner of the frameless window that resizes it:
+// through the window system where it can, else by following the mouse.
+class EdgeGrip : public QWidget {
+public:
+    EdgeGrip(Qt::Edges edges, QWidget* window) : QWidget(window), m_edges(edges) {
+        const bool horizontal = edges == Qt::LeftEdge || edges == Qt::RightEdge;
+        const bool vertical = edges == Qt::TopEdge || edges == Qt::BottomEdge;
+        const bool falling = edges == (Qt::TopEdge | Qt::LeftEdge) || edges == (Qt::BottomEdge | Qt::RightEdge);
+        setCursor(horizontal ? Qt::SizeHorCursor
+                  : vertical ? Qt::SizeVerCursor
+                  : falling  ? Qt::SizeFDiagCursor
+                             : Qt::SizeBDiagCursor);
+    }
+    Qt::Edges edges() const { return m_edges; }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        m_pressed = event->globalPosition().toPoint();
+        m_startGeometry = window()->geometry();
+        m_manual = !window()->windowHandle() || !window()->windowHandle()->startSystemResize(m_edges);
+    }
+    void mouseMoveEvent(QMouseEvent* event) override {
+        if (!m_manual || !(event->buttons() & Qt::LeftButton)) return;
+        const QPoint delta = event->globalPosition().toPoint() - m_pressed;
+        QRect frame = m_startGeometry;
+        const QSize minimum = window()->minimumSize();
+        if (m_edges & Qt::LeftEdge) frame.setLeft(qMin(frame.left() + delta.x(), frame.right() - minimum.width()));
+        if (m_edges & Qt::RightEdge) frame.setRight(frame.right() + delta.x());
+        if (m_edges & Qt::TopEdge) frame.setTop(qMin(frame.top() + delta.y(), frame.bottom() - minimum.height()));
+        if (m_edges & Qt::BottomEdge) frame.setBottom(frame.bottom() + delta.y());
+        window()->setGeometry(frame);
+    }
+
+private:
+    Qt::Edges m_edges;
+    QPoint m_pressed;
+    QRect m_startGeometry;
+    bool m_manual = false;
+};
+
+constexpr int kGripThickness = 5;
 
 }  // namespace
 
@@ -68,36 +122,82 @@ MainWindowController::MainWindowController(QWidget* parent)
       m_menuButton(new ImageToggle("ic_menu", m_sidebar, 24)) {
     setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
     setAttribute(Qt::WA_TranslucentBackground);
-    setFixedSize(kSidebarWidth + kPageWidth, kPageHeight);
     refreshTitle();
     connect(NotificationCenter::defaultCenter(), &NotificationCenter::posted, this, [this](const QString& name) {
         if (name == "CHANGE_PROJECT_VERSION") refreshTitle();
     });
 
-    m_sidebar->setGeometry(0, 0, kSidebarWidth, kPageHeight);
-    m_pageArea->setGeometry(kSidebarWidth, 0, kPageWidth, kPageHeight);
-
-    auto* close = windowButton(QColor(0xE0, 0x56, 0x5B), "Close", m_sidebar);
-    close->move(18, 16);
-    connect(close, &QPushButton::clicked, this, [] { QApplication::quit(); });
-    auto* minimise = windowButton(QColor(0xE8, 0xA9, 0x3A), "Minimize", m_sidebar);
-    minimise->move(38, 16);
-    connect(minimise, &QPushButton::clicked, this, &QWidget::showMinimized);
-
+    addWindowButtons();
     m_menuButton->setToolTip("Menu");
-    m_menuButton->move(kSidebarWidth - 38, 10);
+    m_menuButton->setAccessibleName("Menu");
     m_menuButton->hide();
     connect(m_menuButton, &ImageToggle::clicked, this, [this] {
         m_applicationMenu->popup(m_menuButton->mapToGlobal(QPoint(0, m_menuButton->height())));
     });
 
-    QLabel* name = Style::label("Velmora\nData Eraser", 15, false, true);
-    name->setParent(m_sidebar);
-    name->setGeometry(24, 50, kSidebarWidth - 30, 48);
+    m_nameLabel = Style::label("Velmora\nData Eraser", 15, false, true);
+    m_nameLabel->setParent(m_sidebar);
 
-    addPages();
+    // The sidebar first, so that Tab goes from the window buttons through the sidebar
+    // into the page.
     addTypeButton();
+    addPages();
     addDiskCopyView();
+    addShortcuts();
+    setTabOrder(m_maximizeButton, m_menuButton);
+    setTabOrder(m_menuButton, m_allTypeButArr.first());
+    for (Qt::Edges edges : {Qt::Edges(Qt::LeftEdge), Qt::Edges(Qt::RightEdge), Qt::Edges(Qt::TopEdge),
+                            Qt::Edges(Qt::BottomEdge), Qt::TopEdge | Qt::LeftEdge, Qt::TopEdge | Qt::RightEdge,
+                            Qt::BottomEdge | Qt::LeftEdge, Qt::BottomEdge | Qt::RightEdge})
+        m_edgeGrips.append(new EdgeGrip(edges, this));
+    qApp->installEventFilter(this);
+
+    setMinimumSize(sidebarWidth() + kPageWidth, kPageHeight);
+    resize(minimumSize());
+    layoutShell();
+}
+
+void MainWindowController::addWindowButtons() {
+    auto* close = windowButton(QColor(0xE0, 0x56, 0x5B), "Close", m_sidebar);
+    close->move(18, 16);
+    connect(close, &QPushButton::clicked, this, &QWidget::close);
+    auto* minimise = windowButton(QColor(0xE8, 0xA9, 0x3A), "Minimize", m_sidebar);
+    minimise->move(38, 16);
+    connect(minimise, &QPushButton::clicked, this, &QWidget::showMinimized);
+    m_maximizeButton = windowButton(QColor(0x4F, 0xB8, 0x5A), "Maximize", m_sidebar);
+    m_maximizeButton->move(58, 16);
+    connect(m_maximizeButton, &QPushButton::clicked, this, &MainWindowController::toggleMaximized);
+}
+
+void MainWindowController::addShortcuts() {
+    // Quit is taken by the event filter, so that it also works while a panel is open.
+    auto* help = new QAction("Velmora Data Eraser Help", this);
+    help->setShortcut(QKeySequence::HelpContents);
+    help->setShortcutContext(Qt::WindowShortcut);
+    connect(help, &QAction::triggered, this, &MainWindowController::showHelp);
+    addAction(help);
+    m_applicationMenu->addAction(help);
+    auto* quit = m_applicationMenu->addAction("Quit", this, &QWidget::close);
+    quit->setShortcut(QKeySequence::Quit);
+    m_menuButton->show();
+}
+
+void MainWindowController::showHelp() {
+    auto* panel = new MAAttachedWindow(this, {500, 330});
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setObjectName("helpPanel");
+    QVBoxLayout* layout = PanelContent::addMessage(
+        panel, "ic_help", "Velmora Data Eraser Help",
+        "Choose a tool in the sidebar. Nothing is erased, formatted or removed before you confirm, and every "
+        "confirmation has Cancel as its default button.\n\n"
+        "Keyboard: Tab moves between controls, Space or Enter uses the one with the ring, Escape cancels a panel. "
+        "Ctrl+O adds files on the Erase Files page, Delete removes the selected rows from a list, Ctrl+Q quits "
+        "(a running job is stopped first when you agree).");
+    auto* ok = ImageSetButton::primary("OK", panel);
+    PanelContent::addButtons(layout, {ok});
+    connect(ok, &QPushButton::clicked, panel, &QDialog::accept);
+    panel->setCancelButton(ok);
+    panel->open();
 }
 
 void MainWindowController::refreshTitle() { setWindowTitle("Velmora Data Eraser"); }
@@ -123,22 +223,83 @@ void MainWindowController::addPages() {
                         : m_allBaseViewArr.size() == 5
                             ? static_cast<QWidget*>(new SameFileDeleteViewController(this, m_pageArea))
                             : new PlaceholderPage(pageTitles, m_pageArea);
-        page->setGeometry(0, 0, kPageWidth, kPageHeight);
         page->setVisible(m_allBaseViewArr.isEmpty());
         m_allBaseViewArr.append(page);
     }
 }
 
 void MainWindowController::addTypeButton() {
-    int y = 120;
     for (int tag = 0; tag < 8; ++tag) {
         const QString icon = kEntries[tag].icon;
-        SidebarButton* button = createTypeButton(kEntries[tag].title, icon, icon + "_sel", tag,
-                                                 QRect(0, y, kSidebarWidth, 48));
+        SidebarButton* button = createTypeButton(kEntries[tag].title, icon, icon + "_sel", tag, QRect());
         button->setSelected(tag == m_indexSelectView);
         m_allTypeButArr.append(button);
+    }
+}
+
+int MainWindowController::sidebarWidth() const {
+    // Wide enough for the longest entry in its selected (bold) face.
+    int width = kSidebarWidth;
+    for (const SidebarButton* button : m_allTypeButArr) width = qMax(width, button->sizeHint().width());
+    return width;
+}
+
+void MainWindowController::layoutShell() {
+    const int sideWidth = sidebarWidth();
+    m_sidebar->setGeometry(0, 0, sideWidth, height());
+    m_menuButton->move(sideWidth - 38, 10);
+    m_nameLabel->setGeometry(24, 50, sideWidth - 30, 48);
+    int y = 120;
+    for (SidebarButton* button : std::as_const(m_allTypeButArr)) {
+        button->setGeometry(0, y, sideWidth, 48);
         y += 54;
     }
+
+    // A slide under way ends where it was going; the pages then take the new size.
+    if (m_slide) m_slide->setCurrentTime(m_slide->totalDuration());
+    m_pageArea->setGeometry(sideWidth, 0, width() - sideWidth, height());
+    const QSize pageSize = m_pageArea->size();
+    for (QWidget* page : std::as_const(m_allBaseViewArr)) {
+        page->resize(pageSize);
+        if (page->isVisible()) page->move(0, 0);
+    }
+    if (m_diskCopyView) {
+        m_diskCopyView->resize(pageSize);
+        if (!m_diskCopyView->isVisible()) m_diskCopyView->move(0, pageSize.height());
+    }
+
+    for (QWidget* widget : std::as_const(m_edgeGrips)) {
+        auto* grip = static_cast<EdgeGrip*>(widget);
+        const Qt::Edges edges = grip->edges();
+        const int left = edges & Qt::LeftEdge ? 0 : edges & Qt::RightEdge ? width() - kGripThickness : kGripThickness;
+        const int top = edges & Qt::TopEdge ? 0 : edges & Qt::BottomEdge ? height() - kGripThickness : kGripThickness;
+        const int right = edges & (Qt::LeftEdge | Qt::RightEdge) ? left + kGripThickness : width() - kGripThickness;
+        const int bottom = edges & (Qt::TopEdge | Qt::BottomEdge) ? top + kGripThickness : height() - kGripThickness;
+        grip->setGeometry(QRect(QPoint(left, top), QPoint(right - 1, bottom - 1)));
+        grip->setVisible(!isMaximized() && !isFullScreen());
+        grip->raise();
+    }
+}
+
+void MainWindowController::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    layoutShell();
+}
+
+void MainWindowController::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange) return;
+    const QString name = isMaximized() ? "Restore" : "Maximize";
+    m_maximizeButton->setToolTip(name);
+    m_maximizeButton->setAccessibleName(name);
+    layoutShell();
+}
+
+void MainWindowController::toggleMaximized() {
+    if (isMaximized())
+        showNormal();
+    else
+        showMaximized();
 }
 
 SidebarButton* MainWindowController::createTypeButton(const QString& name, const QString& iconImage,
@@ -180,31 +341,106 @@ void MainWindowController::mouseClickAction(int tag) {
 }
 
 void MainWindowController::slideToSlot(int oldSlot, int newSlot) {
+    if (m_slide) m_slide->setCurrentTime(m_slide->totalDuration());
     QWidget* oldView = m_allBaseViewArr.at(oldSlot);
     QWidget* newView = m_allBaseViewArr.at(newSlot);
-    const QRect frame = oldView->geometry();
-    newView->setGeometry(frame.translated(0, kPageHeight - frame.y()));
+    const int travel = m_pageArea->height();
+    newView->setGeometry(QRect(QPoint(0, travel), m_pageArea->size()));
     newView->show();
     newView->raise();
 
-    auto* group = new QParallelAnimationGroup(this);
+    m_slide = new QParallelAnimationGroup(this);
     auto* moveIn = new QPropertyAnimation(newView, "pos");
     moveIn->setDuration(kAnimationMs);
-    moveIn->setEndValue(frame.topLeft());
+    moveIn->setEndValue(QPoint(0, 0));
     auto* moveOut = new QPropertyAnimation(oldView, "pos");
     moveOut->setDuration(kAnimationMs);
-    moveOut->setEndValue(QPoint(frame.x(), -kPageHeight));
-    group->addAnimation(moveIn);
-    group->addAnimation(moveOut);
-    connect(group, &QParallelAnimationGroup::finished, oldView, [this, oldView] {
+    moveOut->setEndValue(QPoint(0, -travel));
+    m_slide->addAnimation(moveIn);
+    m_slide->addAnimation(moveOut);
+    connect(m_slide, &QParallelAnimationGroup::finished, oldView, [this, oldView] {
         // A quick second click may already have brought this view back.
         if (m_allBaseViewArr.at(slotForTag(m_indexSelectView)) != oldView) oldView->hide();
     });
-    group->start(QAbstractAnimation::DeleteWhenStopped);
+    m_slide->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
 void MainWindowController::canChangeType(bool canChange) {
     for (SidebarButton* button : std::as_const(m_allTypeButArr)) button->setButtonEnden(canChange);
+    m_jobRunning = !canChange;
+    if (canChange && m_quitWhenJobEnds) {
+        // The page has taken the job's end (history, result); now quit.
+        m_quitWhenJobEnds = false;
+        m_quitting = true;
+        QTimer::singleShot(0, this, &QWidget::close);
+    }
+}
+
+QWidget* MainWindowController::currentPage() const {
+    if (m_diskCopyView && m_diskCopyView->isVisible() && m_diskCopyView->y() == 0) return m_diskCopyView;
+    return m_allBaseViewArr.at(slotForTag(m_indexSelectView));
+}
+
+void MainWindowController::closeEvent(QCloseEvent* event) {
+    if (!m_jobRunning || m_quitting) {
+        // The panels of the pages are windows of their own: they go with the window.
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (window != this && window->isVisible() && qobject_cast<QDialog*>(window)) window->close();
+        event->accept();
+        return;
+    }
+    event->ignore();
+    askToStopJobAndQuit();
+}
+
+void MainWindowController::askToStopJobAndQuit() {
+    if (m_quitQuestion) return;
+    auto* panel = new MAAttachedWindow(this, {460, 210});
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setObjectName("quitQuestion");
+    QVBoxLayout* layout = PanelContent::addMessage(
+        panel, "ic_warning", "A job is still running",
+        "Stop it and quit? Items the job has not reached yet are left as they are.");
+    auto* cancel = ImageSetButton::secondary("Cancel", panel);
+    auto* stop = ImageSetButton::primary("Stop and Quit", panel);
+    stop->setMinimumWidth(130);
+    PanelContent::addButtons(layout, {cancel, stop});
+    panel->setCancelButton(cancel);
+    connect(cancel, &QPushButton::clicked, panel, &QDialog::reject);
+    connect(stop, &QPushButton::clicked, this, [this, panel] {
+        panel->accept();
+        if (!m_jobRunning) {
+            m_quitting = true;
+            close();
+            return;
+        }
+        m_quitWhenJobEnds = true;
+        QWidget* page = currentPage();
+        if (page->metaObject()->indexOfMethod("stopJob()") >= 0) {
+            QMetaObject::invokeMethod(page, "stopJob");
+        } else {
+            // A page that cannot stop its job: leave now, the exit tidy-up runs as usual.
+            m_quitWhenJobEnds = false;
+            m_quitting = true;
+            close();
+        }
+    });
+    m_quitQuestion = panel;
+    panel->open();
+}
+
+bool MainWindowController::eventFilter(QObject* watched, QEvent* event) {
+    // Ctrl+Q reaches the window also while one of its modal panels has the keyboard.
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Quit)) {
+        auto* widget = qobject_cast<QWidget*>(watched);
+        QWidget* window = widget ? widget->window() : nullptr;
+        while (window && window != this && window->parentWidget()) window = window->parentWidget()->window();
+        if (window == this) {
+            QTimer::singleShot(0, this, &QWidget::close);
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void MainWindowController::removeFolderInWipeVolumes() {
@@ -213,7 +449,6 @@ void MainWindowController::removeFolderInWipeVolumes() {
 
 void MainWindowController::addDiskCopyView() {
     m_diskCopyView = new DiskCopyViewController(this, m_pageArea);
-    m_diskCopyView->setGeometry(0, kPageHeight, kPageWidth, kPageHeight);
     m_diskCopyView->hide();
     QMenu* tools = m_applicationMenu->addMenu("Tools");
     connect(tools->addAction("Copy Drive…"), &QAction::triggered, this, &MainWindowController::showDiskCopyView);
@@ -231,10 +466,10 @@ void MainWindowController::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QPainterPath shape;
-    shape.addRoundedRect(QRectF(rect()), 8, 8);
+    shape.addRoundedRect(QRectF(rect()), isMaximized() ? 0 : 8, isMaximized() ? 0 : 8);
     painter.setClipPath(shape);
     painter.fillRect(rect(), Style::kWindow);
-    painter.fillRect(QRect(0, 0, kSidebarWidth, height()), Style::kSidebar);
+    painter.fillRect(m_sidebar->geometry(), Style::kSidebar);
 }
 
 void MainWindowController::mousePressEvent(QMouseEvent* event) {
@@ -243,7 +478,12 @@ void MainWindowController::mousePressEvent(QMouseEvent* event) {
 
 void MainWindowController::mouseMoveEvent(QMouseEvent* event) {
     // The window is frameless: it moves by its background.
-    if (event->buttons() & Qt::LeftButton) move(event->globalPosition().toPoint() - m_dragOffset);
+    if ((event->buttons() & Qt::LeftButton) && !isMaximized()) move(event->globalPosition().toPoint() - m_dragOffset);
+}
+
+void MainWindowController::mouseDoubleClickEvent(QMouseEvent* event) {
+    // As on a title bar: a double click on the background maximises or restores.
+    if (event->button() == Qt::LeftButton) toggleMaximized();
 }
 
 }  // namespace velmora

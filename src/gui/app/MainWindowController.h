@@ -1,10 +1,14 @@
 #pragma once
 
 #include <QList>
+#include <QPointer>
 #include <QWidget>
 
 class QAction;
+class QLabel;
 class QMenu;
+class QParallelAnimationGroup;
+class QPushButton;
 
 namespace velmora {
 
@@ -16,6 +20,17 @@ class SidebarButton;
 // 1/2 share the disk-wipe page and 3/4 the disk page; switching between the
 // two modes of one page changes its mode in place, any other switch slides
 // the pages vertically. While a page runs a job the sidebar is locked.
+//
+// The window can be resized and maximised; its minimum is the sidebar beside a page
+// of kPageWidth x kPageHeight. The sidebar and the page area grow with the window,
+// and every page is given the page area's whole rect: a page lays itself out from
+// its own rect (layouts, or resizeEvent), never from the constants above, which
+// are only the size a page starts with.
+//
+// Closing the window (red button, Ctrl+Q, the window manager) while the sidebar is
+// locked by a job asks first; on "Stop and Quit" the current page's `stopJob()`
+// slot (where it has one) ends the job the way its own Stop button does, and the
+// application quits once the page unlocks the sidebar.
 class MainWindowController : public QWidget {
     Q_OBJECT
 public:
@@ -39,6 +54,14 @@ public:
     void showDiskCopyView();
     DiskCopyViewController* diskCopyView() const { return m_diskCopyView; }
     ImageToggle* menuButton() const { return m_menuButton; }
+    // A panel with the keyboard shortcuts and how the tools are used (F1, the menu).
+    void showHelp();
+    QWidget* pageArea() const { return m_pageArea; }
+    QWidget* sidebar() const { return m_sidebar; }
+    // True while a page runs a job (the sidebar is locked).
+    bool isJobRunning() const { return m_jobRunning; }
+    // The question asked when the window is closed during a job, while it is open.
+    QWidget* quitQuestion() const { return m_quitQuestion; }
 
     int indexSelectView() const { return m_indexSelectView; }
     const QList<SidebarButton*>& allTypeButArr() const { return m_allTypeButArr; }
@@ -46,8 +69,13 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void addPages();
@@ -56,14 +84,30 @@ private:
                                     int tag, const QRect& frame);
     void slideToSlot(int oldSlot, int newSlot);
     void refreshTitle();
+    void addWindowButtons();
+    void addShortcuts();
+    void layoutShell();
+    int sidebarWidth() const;
+    Qt::Edges resizeEdgesAt(const QPoint& position) const;
+    void toggleMaximized();
+    void askToStopJobAndQuit();
+    QWidget* currentPage() const;
 
     QWidget* m_sidebar;
     QWidget* m_pageArea;
     QMenu* m_applicationMenu;
     ImageToggle* m_menuButton;
+    QPushButton* m_maximizeButton = nullptr;
+    QLabel* m_nameLabel = nullptr;
+    QPointer<QWidget> m_quitQuestion;
+    QPointer<QParallelAnimationGroup> m_slide;
+    bool m_jobRunning = false;
+    bool m_quitWhenJobEnds = false;
+    bool m_quitting = false;
     DiskCopyViewController* m_diskCopyView = nullptr;
     QList<SidebarButton*> m_allTypeButArr;
     QList<QWidget*> m_allBaseViewArr;
+    QList<QWidget*> m_edgeGrips;  // the resize strips along the frameless window's edges
     int m_indexSelectView = 0;
     QPoint m_dragOffset;
 };

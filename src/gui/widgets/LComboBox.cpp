@@ -11,6 +11,7 @@ LComboBox::LComboBox(QWidget* parent) : QComboBox(parent) {
         QComboBox { background: rgba(255,255,255,18); border: 1px solid rgba(255,255,255,60);
                     border-radius: 5px; padding: 3px 10px; color: white; }
         QComboBox:hover { border-color: %1; }
+        QComboBox:focus { border: 2px solid %1; }
         QComboBox::drop-down { border: none; width: 22px; }
         QComboBox QAbstractItemView { background: %2; color: white; selection-background-color: %3;
                                       border: 1px solid rgba(255,255,255,60); outline: 0; }

@@ -34,4 +34,10 @@ void applyListTableLook(QTableView* view, int rowHeight, const QList<int>& colum
                         "QHeaderView::section { padding-left: 6px; }");
 }
 
+void makeListTableFocusable(QTableView* view) {
+    view->setFocusPolicy(Qt::StrongFocus);
+    view->setStyleSheet(view->styleSheet() +
+                        QString("QTableView:focus { border: 2px solid %1; border-radius: 6px; }").arg(Style::rgba(Style::kAccent)));
+}
+
 }  // namespace velmora

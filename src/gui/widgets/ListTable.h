@@ -11,4 +11,8 @@ namespace velmora {
 // Selection behaviour stays with each page.
 void applyListTableLook(QTableView* view, int rowHeight, const QList<int>& columnWidths);
 
+// Lets the list take the keyboard focus (Tab, or a click on a row) so that the arrow
+// keys move through its rows; while it has the focus it shows the focus ring.
+void makeListTableFocusable(QTableView* view);
+
 }  // namespace velmora

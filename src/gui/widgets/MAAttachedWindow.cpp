@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPushButton>
 #include <QScreen>
 
 namespace velmora {
@@ -21,15 +22,26 @@ void MAAttachedWindow::centreOnParent() {
     move(area.center() - QPoint(width() / 2, height() / 2));
 }
 
+void MAAttachedWindow::setCancelButton(QPushButton* button) {
+    m_cancelButton = button;
+    button->setDefault(true);
+    if (isVisible()) button->setFocus(Qt::TabFocusReason);
+}
+
 void MAAttachedWindow::showEvent(QShowEvent* event) {
     centreOnParent();
     QDialog::showEvent(event);
+    if (m_cancelButton) m_cancelButton->setFocus(Qt::TabFocusReason);
 }
 
 void MAAttachedWindow::keyPressEvent(QKeyEvent* event) {
-    // Escape must not close a panel behind the owner's back: the panels
-    // decide themselves which button ends them.
-    if (event->key() == Qt::Key_Escape) return;
+    // Escape clicks the panel's own cancel button, so that the owner hears of it
+    // exactly as of a click; a panel without one (a progress view that cannot be
+    // stopped) stays open.
+    if (event->key() == Qt::Key_Escape) {
+        if (m_cancelButton && m_cancelButton->isVisible() && m_cancelButton->isEnabled()) m_cancelButton->click();
+        return;
+    }
     QDialog::keyPressEvent(event);
 }
 

@@ -19,6 +19,19 @@ SidebarButton::SidebarButton(const QString& title, const QString& iconImage, con
     connect(this, &QAbstractButton::clicked, this, [this] { emit clickedWithTag(m_tag); });
 }
 
+namespace {
+
+constexpr int kPillInset = 10;
+constexpr int kTextLeft = 48;
+constexpr int kTextRight = 14;
+
+}  // namespace
+
+QSize SidebarButton::sizeHint() const {
+    const int textWidth = QFontMetrics(Style::boldFont(12)).horizontalAdvance(text());
+    return {kPillInset + kTextLeft + textWidth + kTextRight + kPillInset, 48};
+}
+
 void SidebarButton::setSelected(bool selected) {
     m_selected = selected;
     update();
@@ -44,7 +57,7 @@ void SidebarButton::leaveEvent(QEvent* event) {
 void SidebarButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF area = QRectF(rect()).adjusted(10, 3, -10, -3);
+    const QRectF area = QRectF(rect()).adjusted(kPillInset, 3, -kPillInset, -3);
     if (m_selected || (m_hovered && isEnabled())) {
         QPainterPath background;
         background.addRoundedRect(area, 8, 8);
@@ -56,7 +69,7 @@ void SidebarButton::paintEvent(QPaintEvent*) {
     icon.render(&painter, QRectF(area.left() + 14, area.center().y() - 11, 22, 22));
     painter.setPen(m_selected ? Style::kAccent : Style::kText);
     painter.setFont(m_selected ? Style::boldFont(12) : Style::regularFont(12));
-    painter.drawText(area.adjusted(48, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
+    painter.drawText(area.adjusted(kTextLeft, 0, -kTextRight, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
     if (hasFocus()) Style::drawFocusRing(painter, area, 8);
 }
 

@@ -16,6 +16,8 @@ public:
     bool isSelected() const { return m_selected; }
     // Enables or disables the entry and redraws it (the sidebar lock).
     void setButtonEnden(bool enabled);
+    // Room for the icon and the title in its selected (bold) face, inside the pill.
+    QSize sizeHint() const override;
 
 signals:
     void clickedWithTag(int tag);

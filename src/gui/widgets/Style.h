@@ -12,7 +12,7 @@ class QRectF;
 namespace velmora {
 
 // The one visual style of the application: a dark, calm surface with white text
-// and half-transparent white for secondary text.
+// and translucent white for secondary text.
 namespace Style {
 
 inline const QColor kWindow{0x1E, 0x22, 0x37};
@@ -20,7 +20,8 @@ inline const QColor kSidebar{0x17, 0x1A, 0x2B};
 inline const QColor kPanel{0x26, 0x2B, 0x45};
 inline const QColor kAccent{0x5A, 0xC8, 0xD8};
 inline const QColor kText{255, 255, 255};
-inline const QColor kSecondaryText{255, 255, 255, 128};
+// Over the window, panel and selection colours this keeps a contrast of at least 4.5:1.
+inline const QColor kSecondaryText{255, 255, 255, 160};
 inline const QColor kSelection{0x34, 0x3B, 0x5E};
 
 void apply(QApplication& app);
