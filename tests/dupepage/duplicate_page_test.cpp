@@ -1,3 +1,5 @@
+#include "KeyboardWalk.h"
+#include "LayoutCheck.h"
 #include "Screenshot.h"
 #include "TempDataDir.h"
 #include "engine/duplicate/DuplicateResults.h"
@@ -17,6 +19,7 @@
 #include "gui/duplicate/MarkSureDeleteVC.h"
 #include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/widgets/ImageToggle.h"
+#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
 #include "support/TestFiles.h"
@@ -92,6 +95,12 @@ QStringList leafPaths(const SimpleTreeNode& group) {
     QStringList paths;
     for (const SimpleTreeNode::Pointer& leaf : group.children()) paths.append(leaf->data().name);
     return paths;
+}
+
+QPushButton* buttonNamed(QWidget* parent, const QString& text) {
+    for (QPushButton* button : parent->findChildren<QPushButton*>())
+        if (button->text() == text) return button;
+    return nullptr;
 }
 
 bool sidebarLocked(const MainWindowController& window) {
@@ -218,9 +227,11 @@ private slots:
             QCOMPARE(group.data().selectNum, int(SimpleNodeData::PartlySelected));
             QCOMPARE(group.data().showSelectNumStr, QString("%1/%2").arg(leaves.size() - 1).arg(leaves.size()));
         };
-        // After the search every group is ticked so.
+        // After the search every group is ticked so, and the header, like the
+        // groups, shows partly ticked; its click then unticks.
         for (const SimpleTreeNode::Pointer& group : all->children()) checkKeepsLast(*group);
-        QCOMPARE(m_page->selectAllButton()->imageName(), QString("checkbox_yes"));
+        QCOMPARE(m_page->selectAllButton()->imageName(), QString("checkbox_election"));
+        QCOMPARE(m_page->selectAllButton()->accessibleName(), QString("Unselect all"));
 
         QTest::mouseClick(m_page->selectAllButton(), Qt::LeftButton);
         QVERIFY(m_page->results()->allSelectNumArr().isEmpty());
@@ -229,6 +240,7 @@ private slots:
         QVERIFY(m_page->titleLabel()->text().endsWith(", selected 0 files in All."));
         const QModelIndex firstGroup = m_page->outlineModel()->index(0, 0);
         QCOMPARE(firstGroup.data(DuplicateOutlineModel::CheckImageRole).toString(), QString("checkbox_no"));
+        QCOMPARE(m_page->selectAllButton()->accessibleName(), QString("Select all"));
 
         QTest::mouseClick(m_page->selectAllButton(), Qt::LeftButton);
         for (const SimpleTreeNode::Pointer& group : all->children()) checkKeepsLast(*group);
@@ -242,6 +254,49 @@ private slots:
         QCOMPARE(m_page->titleLabel()->text(), QString("3 files in Documents, selected 5 files in All."));
         m_page->segmentSelect(0);
         QCOMPARE(m_page->selectAllButton()->imageName(), QString("checkbox_election"));
+
+        // Fully ticked only with every copy of the tab ticked; one group partly
+        // ticked makes it partly ticked again.
+        m_page->segmentSelect(3);
+        const SimpleTreeNode::Pointer music = m_page->treeData()->children().first();
+        m_page->alertEnded(QDialog::Accepted, music->children().last());
+        QCOMPARE(m_page->selectAllButton()->imageName(), QString("checkbox_yes"));
+        QCOMPARE(m_page->outlineModel()->index(0, 0).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Checked);
+        m_page->setSelectState(m_page->outlineModel()->indexForNode(music->children().first().get()));
+        QCOMPARE(m_page->selectAllButton()->imageName(), QString("checkbox_election"));
+        QCOMPARE(m_page->outlineModel()->index(0, 0).data(Qt::CheckStateRole).value<Qt::CheckState>(),
+                 Qt::PartiallyChecked);
+    }
+
+    // Remove takes the ticks of the tab on show and nothing else; a tab
+    // without ticks, or emptied by a removal, leaves it disabled.
+    void removeActsOnTheShownTab() {
+        searchAndWait(makeTree());
+        m_page->segmentSelect(5);
+        const SimpleTreeNode::Pointer pictures = m_page->treeData()->children().first();
+        const QString picture = pictures->children().first()->data().name;
+        QVERIFY(m_page->removeButton()->isEnabled());
+        m_page->setSelectState(m_page->outlineModel()->index(0, 0));  // the group's checkbox clears it
+        QVERIFY(!m_page->removeButton()->isEnabled());
+        QCOMPARE(m_page->results()->allSelectNumArr().size(), 6);
+        m_page->setSelectState(m_page->outlineModel()->index(0, 0));
+        QVERIFY(m_page->removeButton()->isEnabled());
+
+        m_page->removeBtnClicked();
+        QVERIFY(m_page->markSurePanel());
+        QVERIFY2(PanelContent::messageLabel(m_page->markSurePanel())->text().startsWith("1 selected copy"),
+                 qPrintable(PanelContent::messageLabel(m_page->markSurePanel())->text()));
+        QTest::mouseClick(m_page->markSurePanel()->continueButton(), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->successPanel(), kSearchTimeoutMs);
+        QCOMPARE(m_page->successPanel()->messageText(), QString("1 duplicate file removed, 4.00 KB freed."));
+        QVERIFY(!QFileInfo::exists(picture));
+        QCOMPARE(m_page->results()->allSelectNumArr().size(), 6);
+        for (const SimpleTreeNode::Pointer& leaf : m_page->results()->allSelectNumArr())
+            QVERIFY2(QFileInfo::exists(leaf->data().name), qPrintable(leaf->data().name));
+        QCOMPARE(m_page->outlineModel()->rowCount(), 0);
+        QVERIFY(!m_page->removeButton()->isEnabled());
+        m_page->segmentSelect(0);
+        QVERIFY(m_page->removeButton()->isEnabled());
     }
 
     void tickingTheLastCopyAsksFirst() {
@@ -410,7 +465,7 @@ private slots:
     void stoppedRemovalForgetsTheSelection() {
         searchAndWait(makeTree());
         m_page->delDuplicateItems();
-        QTest::mouseClick(m_page->progressPanel()->stopButton(), Qt::LeftButton);
+        QTest::keyClick(m_page->progressPanel(), Qt::Key_Escape);  // Escape is Stop
         QTRY_VERIFY_WITH_TIMEOUT(m_page->failPanel(), kSearchTimeoutMs);
         QCOMPARE(m_page->failPanel()->titleText(), QString("Removal stopped"));
         QVERIFY(m_page->delNodesArr().size() < 7);
@@ -425,6 +480,72 @@ private slots:
         }
         QVERIFY(!m_page->removeButton()->isEnabled());
         QVERIFY(!sidebarLocked(*m_window));
+        QTest::keyClick(m_page->failPanel(), Qt::Key_Escape);
+        QTRY_VERIFY(!m_page->failPanel());
+    }
+
+    // Keyboard only: Tab walks the result view from top to bottom, Space acts
+    // on the control in the ring, Enter on the removal's confirmation presses
+    // Cancel and Escape closes each panel; the removal starts only once the
+    // focus was moved onto Continue.
+    void keyboardWalkAndPanelKeys() {
+        searchAndWait(makeTree());
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        m_page->tabBar()->setFocus(Qt::TabFocusReason);
+        QWidget* resultView = m_page->resultView();
+        const QList<QWidget*> order = {m_page->selectAllButton(), m_page->outlineView(),
+                                       buttonNamed(resultView, "Choose Folder"), buttonNamed(resultView, "Search Again"),
+                                       m_page->removeButton()};
+        for (QWidget* next : order) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QCOMPARE(QApplication::focusWidget(), next);
+            if (next == m_page->outlineView()) {
+                // The first group is in the ring: Space clears its ticks and sets them again.
+                const SimpleTreeNode::Pointer group = m_page->treeData()->children().first();
+                QTest::keyClick(next, Qt::Key_Space);
+                QCOMPARE(group->data().selectNum, int(SimpleNodeData::NotSelected));
+                screenshot(m_window.get(), "duplicate_focus_outline");
+                QTest::keyClick(next, Qt::Key_Space);
+                QCOMPARE(group->data().selectNum, int(SimpleNodeData::PartlySelected));
+            }
+        }
+        const QStringList ticked = leafPaths(*m_page->treeData()->children().first()).mid(0, 2);
+
+        QTest::keyClick(m_page->removeButton(), Qt::Key_Space);
+        QVERIFY(m_page->markSurePanel());
+        QTRY_COMPARE(QApplication::focusWidget(), m_page->markSurePanel()->cancelButton());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTRY_VERIFY(!m_page->markSurePanel());
+        QVERIFY(!m_page->progressPanel());
+        m_page->removeBtnClicked();
+        QTRY_VERIFY(m_page->markSurePanel()->isVisible());
+        QTest::keyClick(m_page->markSurePanel(), Qt::Key_Escape);
+        QTRY_VERIFY(!m_page->markSurePanel());
+        QVERIFY(!m_page->progressPanel());
+        for (const QString& path : ticked) QVERIFY(QFileInfo::exists(path));
+
+        // The sheet before the last copy is ticked: Enter and Escape both leave it unticked.
+        m_page->segmentSelect(3);
+        const SimpleTreeNode::Pointer lastSong = m_page->treeData()->children().first()->children().last();
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+            m_page->setSelectState(m_page->outlineModel()->indexForNode(lastSong.get()));
+            QVERIFY(m_page->deleteAllCopiesSheet());
+            QTRY_COMPARE(QApplication::focusWidget(), m_page->deleteAllCopiesSheet()->cancelButton());
+            QTest::keyClick(QApplication::focusWidget(), key);
+            QTRY_VERIFY(!m_page->deleteAllCopiesSheet());
+            QCOMPARE(lastSong->data().selectNum, int(SimpleNodeData::NotSelected));
+        }
+
+        m_page->removeBtnClicked();
+        QTRY_COMPARE(QApplication::focusWidget(), m_page->markSurePanel()->cancelButton());
+        savePanelScreenshot(m_window.get(), m_page->markSurePanel(), "duplicate_confirm_cancel_default");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), m_page->markSurePanel()->continueButton());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->successPanel() && m_page->successPanel()->isVisible(), kSearchTimeoutMs);
+        QTest::keyClick(m_page->successPanel(), Qt::Key_Escape);
+        QTRY_VERIFY(!m_page->successPanel());
     }
 
     // A copy that cannot be read and a folder that cannot be listed are
@@ -602,6 +723,58 @@ private slots:
         m_page->searchPathChosen(root);
         QVERIFY(!m_page->bSearchFinished());
         m_window.reset();
+    }
+
+    // No text of the start, result and empty views (nor a size in the outline)
+    // is cut at the smallest and a large window, and at scale 2 in the _scale2
+    // run; the outline grows with the window.
+    void nothingClippedAtTwoSizes() {
+        const QString root = makeTree();
+        const QString empty = m_scratch->path() + "/a folder without any duplicate file in it";
+        writeFile(empty + "/only.txt", contentFor(9, 100));
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        for (const QSize& size : {m_window->minimumSize(), QSize(1500, 950)}) {
+            m_window->resize(size);
+            const QString sizeName = size == m_window->minimumSize() ? "small" : "large";
+            QTRY_COMPARE(m_page->size(), m_window->pageArea()->size());
+            m_page->views()->setCurrentIndex(0);
+            QVERIFY2(clippedTexts(m_page).isEmpty(), qPrintable(clippedTexts(m_page).join('\n')));
+            QVERIFY(keyboardwalk::tabTo(m_page->startView()->chooseButton()));
+            screenshot(m_window.get(), "duplicate_focus_start_" + sizeName);
+
+            m_page->searchPathChosen(empty);
+            waitForSearch();
+            QCOMPARE(m_page->views()->currentWidget(), static_cast<QWidget*>(m_page->emptyView()));
+            QVERIFY2(clippedTexts(m_page).isEmpty(), qPrintable(clippedTexts(m_page).join('\n')));
+
+            searchAndWait(root);
+            // A size as long as they come: its column widens rather than shorten it.
+            m_page->treeData()->children().first()->data().fileSize = 987654321098ull;
+            m_page->segmentSelect(0);
+            DuplicateOutlineView* outline = m_page->outlineView();
+            outline->expandAll();
+            QCOMPARE(outline->header()->length(), outline->viewport()->width());
+            QVERIFY2(clippedTexts(m_page).isEmpty(), qPrintable(clippedTexts(m_page).join('\n')));
+            QVERIFY(keyboardwalk::tabTo(outline));
+            keyboardwalk::press(Qt::Key_Down);
+            screenshot(m_window.get(), "duplicate_focus_outline_" + sizeName);
+        }
+
+        MarkSureDeleteVC confirm(12345, 987654321098ull, m_window.get());
+        DeleteAllCopiesSheet lastCopy(m_window.get());
+        DuplicationDetProgressViewController progress(m_window.get());
+        progress.setRemoveProgress(99, root + "/a rather long folder name/and another one/report (copy 2).pdf");
+        DuplicationDetFailViewController failed("Some files that require admin access can't be removed!",
+                                                "12344 of 12345 selected copies are still on the disk; they stay "
+                                                "selected.",
+                                                m_window.get());
+        DuplicationDetSuccessViewController done(12345, 987654321098ull, m_window.get());
+        for (QWidget* panel : std::initializer_list<QWidget*>{&confirm, &lastCopy, &progress, &failed, &done}) {
+            panel->show();
+            QVERIFY2(clippedTexts(panel).isEmpty(), qPrintable(clippedTexts(panel).join('\n')));
+            panel->hide();
+        }
     }
 
 private:

@@ -9,14 +9,15 @@ namespace velmora {
 
 DeleteAllCopiesSheet::DeleteAllCopiesSheet(QWidget* parent)
     : MAAttachedWindow(parent, {460, 200}),
-      m_okButton(ImageSetButton::primary("OK", this)),
-      m_cancelButton(ImageSetButton::secondary("Cancel", this)) {
+      m_okButton(ImageSetButton::primary("OK", this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     QVBoxLayout* layout = PanelContent::addMessage(
         this, "ic_warning", "Are you sure you want to delete all the duplicate files?",
         "No copy of this file would be kept.");
-    PanelContent::addButtons(layout, {m_cancelButton, m_okButton});
-    connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
+    QPushButton* cancel = ImageSetButton::secondary("Cancel", this);
+    PanelContent::addButtons(layout, {cancel, m_okButton});
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    setCancelButton(cancel);
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
 }
 

@@ -7,17 +7,16 @@ class QPushButton;
 namespace velmora {
 
 // Asked before the last unselected copy of a group is ticked, which would
-// leave no copy of the file: "OK" accepts, "Cancel" rejects.
+// leave no copy of the file: "OK" accepts, "Cancel" rejects. Cancel is the
+// default button and what Escape presses: a stray key never ticks the last copy.
 class DeleteAllCopiesSheet : public MAAttachedWindow {
     Q_OBJECT
 public:
     explicit DeleteAllCopiesSheet(QWidget* parent);
     QPushButton* okButton() const { return m_okButton; }
-    QPushButton* cancelButton() const { return m_cancelButton; }
 
 private:
     QPushButton* m_okButton;
-    QPushButton* m_cancelButton;
 };
 
 }  // namespace velmora

@@ -13,7 +13,6 @@ namespace {
 constexpr int kCheckBoxSide = 16;
 constexpr int kIconSide = 20;
 constexpr int kLeafIndent = 24;
-constexpr int kPadding = 8;
 
 QRect centredSquare(int left, const QRect& cell, int side) {
     return {left, cell.center().y() - side / 2 + 1, side, side};

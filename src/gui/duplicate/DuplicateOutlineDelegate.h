@@ -16,6 +16,7 @@ public:
     static constexpr int kGroupRowHeight = 36;
     static constexpr int kLeafRowHeight = 30;
     static constexpr int kGroupCheckBoxX = 26;  // also where the select-all checkbox sits
+    static constexpr int kPadding = 8;          // between a cell's edges and its text
 
     explicit DuplicateOutlineDelegate(QTreeView* view);
 

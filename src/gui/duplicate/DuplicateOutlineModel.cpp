@@ -201,6 +201,10 @@ QVariant DuplicateOutlineModel::data(const QModelIndex& index, int role) const {
         if (item.selectNum == SimpleNodeData::Selected) return QString("checkbox_yes");
         if (isGroup && item.selectNum == SimpleNodeData::PartlySelected) return QString("checkbox_election");
         return QString("checkbox_no");
+    case Qt::CheckStateRole:  // what assistive technology announces for the drawn checkbox
+        if (index.column() != Name) return {};
+        if (item.selectNum == SimpleNodeData::Selected) return Qt::Checked;
+        return isGroup && item.selectNum == SimpleNodeData::PartlySelected ? Qt::PartiallyChecked : Qt::Unchecked;
     case IconImageRole: {
         const SimpleTreeNode* group = groupOf(node);
         return index.column() == Name && group ? iconImage(*group) : QVariant();

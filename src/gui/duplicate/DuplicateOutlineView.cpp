@@ -3,9 +3,11 @@
 #include "gui/duplicate/DuplicateOutlineDelegate.h"
 #include "gui/duplicate/DuplicateOutlineModel.h"
 #include "gui/widgets/RFOverlayScroller.h"
+#include "gui/widgets/Style.h"
 
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QPainter>
 
 namespace velmora {
 
@@ -19,7 +21,7 @@ DuplicateOutlineView::DuplicateOutlineView(QWidget* parent) : QTreeView(parent) 
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setFocusPolicy(Qt::NoFocus);
+    setFocusPolicy(Qt::TabFocus);  // the ring then shows for keyboard use only
     setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_Hover);
     setContextMenuPolicy(Qt::CustomContextMenu);
@@ -49,6 +51,23 @@ void DuplicateOutlineView::mousePressEvent(QMouseEvent* event) {
         }
     }
     QTreeView::mousePressEvent(event);
+}
+
+void DuplicateOutlineView::keyPressEvent(QKeyEvent* event) {
+    const QModelIndex current = currentIndex();
+    if (event->key() == Qt::Key_Space && current.isValid() && event->modifiers() == Qt::NoModifier) {
+        emit checkBoxClicked(current.siblingAtColumn(DuplicateOutlineModel::Name));
+        return;
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void DuplicateOutlineView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                                   const QModelIndex& index) const {
+    QTreeView::drawRow(painter, option, index);
+    if (!hasFocus() || index.row() != currentIndex().row() || index.parent() != currentIndex().parent()) return;
+    const QRect row(0, option.rect.top(), viewport()->width(), option.rect.height());
+    Style::drawFocusRing(*painter, QRectF(row).adjusted(1, 1, -1, -1), 6);
 }
 
 }  // namespace velmora

@@ -6,6 +6,8 @@ namespace velmora {
 
 // The tree view of the duplicate outline: a click on a row's checkbox is
 // reported as checkBoxClicked, a click on a group's arrow opens or closes it.
+// From the keyboard: the arrows move between rows (left and right close and
+// open a group) and Space ticks the row inside the focus ring.
 class DuplicateOutlineView : public QTreeView {
     Q_OBJECT
 public:
@@ -18,6 +20,8 @@ signals:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 };
 
 }  // namespace velmora

@@ -15,6 +15,7 @@ DuplicationDetFailViewController::DuplicationDetFailViewController(const QString
     QVBoxLayout* layout = PanelContent::addMessage(this, "ic_fail", title, message);
     PanelContent::addButtons(layout, {m_okButton});
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
+    setCancelButton(m_okButton);
 }
 
 QString DuplicationDetFailViewController::titleText() const { return findChild<QLabel*>("panelTitle")->text(); }

@@ -51,6 +51,7 @@ DuplicationDetProgressViewController::DuplicationDetProgressViewController(QWidg
         m_stopButton->setEnabled(false);
         emit stopRemoveBtnClicked();
     });
+    setCancelButton(m_stopButton);
 }
 
 void DuplicationDetProgressViewController::setRemoveProgress(int progress, const QString& path) {

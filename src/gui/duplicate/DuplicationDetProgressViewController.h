@@ -9,7 +9,8 @@ class QPushButton;
 namespace velmora {
 
 // The progress of a removal: a bar with the percentage, the path of the
-// copy last removed, and "Stop", which ends the removal after the copy in hand.
+// copy last removed, and "Stop", which ends the removal after the copy in hand
+// (Escape presses it too).
 class DuplicationDetProgressViewController : public MAAttachedWindow {
     Q_OBJECT
 public:

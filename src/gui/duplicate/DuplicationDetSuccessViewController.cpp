@@ -20,6 +20,7 @@ DuplicationDetSuccessViewController::DuplicationDetSuccessViewController(int rem
     QVBoxLayout* layout = PanelContent::addMessage(this, "ic_success", "Duplicates removed", message);
     PanelContent::addButtons(layout, {m_okButton});
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
+    setCancelButton(m_okButton);
 }
 
 QString DuplicationDetSuccessViewController::messageText() const {

@@ -10,8 +10,7 @@ namespace velmora {
 
 MarkSureDeleteVC::MarkSureDeleteVC(int fileCount, quint64 totalSize, QWidget* parent)
     : MAAttachedWindow(parent, {460, 230}),
-      m_continueButton(ImageSetButton::primary("Continue", this)),
-      m_cancelButton(ImageSetButton::secondary("Cancel", this)) {
+      m_continueButton(ImageSetButton::primary("Continue", this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     const QString message = QString("%1 selected %2 (%3) will be deleted for good: nothing goes to the Trash.")
                                 .arg(fileCount)
@@ -19,8 +18,10 @@ MarkSureDeleteVC::MarkSureDeleteVC(int fileCount, quint64 totalSize, QWidget* pa
                                 .arg(byteToSizeWithByte(totalSize));
     QVBoxLayout* layout =
         PanelContent::addMessage(this, "ic_warning", "Remove the selected duplicates?", message);
-    PanelContent::addButtons(layout, {m_cancelButton, m_continueButton});
-    connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
+    QPushButton* cancel = ImageSetButton::secondary("Cancel", this);
+    PanelContent::addButtons(layout, {cancel, m_continueButton});
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    setCancelButton(cancel);
     connect(m_continueButton, &QPushButton::clicked, this, [this] {
         accept();
         emit delDuplicateItems();

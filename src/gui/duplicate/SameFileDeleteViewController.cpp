@@ -22,6 +22,7 @@
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/MLCircularIndicator.h"
+#include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
 
 #include <QDesktopServices>
@@ -31,6 +32,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QProcess>
+#include <QSet>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -79,17 +81,7 @@ SameFileDeleteViewController::SameFileDeleteViewController(MainWindowController*
     createHeader();
 
     m_views = new QStackedWidget(this);
-    m_views->setGeometry(0, kContentTop, width(), height() - kContentTop);
-    auto* startPage = new QWidget(m_views);
-    m_startView = new DuplicateStartView(startPage);
-    m_startView->setGeometry(112, 40, 560, 300);
-    connect(m_startView, &DuplicateStartView::chooseFolder, this,
-            &SameFileDeleteViewController::chooseFolderButtonClicked);
-    connect(m_startView, &DuplicateStartView::folderDropped, this, &SameFileDeleteViewController::searchPathChosen);
-    QLabel* hint = Style::label("Nothing is removed before you confirm. Removed copies do not go to the Trash.", 11, true);
-    hint->setParent(startPage);
-    hint->setAlignment(Qt::AlignCenter);
-    hint->setGeometry(0, 362, width(), 20);
+    QWidget* startPage = createStartPage();
     m_views->addWidget(startPage);
 
     m_searchingView = new DuplicateSearchingView(m_views);
@@ -109,6 +101,46 @@ SameFileDeleteViewController::SameFileDeleteViewController(MainWindowController*
 
     m_progressTimer->setInterval(kProgressIntervalMs);
     connect(m_progressTimer, &QTimer::timeout, this, &SameFileDeleteViewController::getPrograss);
+    setTabOrder();
+}
+
+// The drop area takes the room the page has; at the window's smallest size it
+// is 560 by 300 points.
+QWidget* SameFileDeleteViewController::createStartPage() {
+    auto* startPage = new QWidget(m_views);
+    m_startView = new DuplicateStartView(startPage);
+    m_startView->setMinimumSize(560, 300);
+    connect(m_startView, &DuplicateStartView::chooseFolder, this,
+            &SameFileDeleteViewController::chooseFolderButtonClicked);
+    connect(m_startView, &DuplicateStartView::folderDropped, this, &SameFileDeleteViewController::searchPathChosen);
+    QLabel* hint = Style::label("Nothing is removed before you confirm. Removed copies do not go to the Trash.", 11, true);
+    hint->setAlignment(Qt::AlignCenter);
+    hint->setWordWrap(true);
+    auto* layout = new QVBoxLayout(startPage);
+    layout->setContentsMargins(112, 40, 112, 100);
+    layout->setSpacing(22);
+    layout->addWidget(m_startView, 1);
+    layout->addWidget(hint);
+    return startPage;
+}
+
+// Tab walks the page from top to bottom: the tabs, select-all, the outline,
+// then the buttons under it.
+void SameFileDeleteViewController::setTabOrder() {
+    QWidget::setTabOrder(m_tabBar, m_selectAllButton);
+    QWidget::setTabOrder(m_selectAllButton, m_outlineView);
+    QWidget::setTabOrder(m_outlineView, m_chooseButton);
+    QWidget::setTabOrder(m_chooseButton, m_searchAgainButton);
+    QWidget::setTabOrder(m_searchAgainButton, m_removeButton);
+}
+
+void SameFileDeleteViewController::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const int textWidth = width() - 80;
+    m_pageTitle->setGeometry(40, 28, textWidth, 34);
+    m_subtitle->setGeometry(40, 62, textWidth, 20);
+    m_unreadableLabel->setGeometry(40, 82, textWidth, 18);
+    m_views->setGeometry(0, kContentTop, width(), height() - kContentTop);
 }
 
 SameFileDeleteViewController::~SameFileDeleteViewController() {
@@ -122,16 +154,13 @@ SameFileDeleteViewController::~SameFileDeleteViewController() {
 }
 
 void SameFileDeleteViewController::createHeader() {
-    QLabel* title = Style::label("Duplicate Finder", 22, false, true);
-    title->setParent(this);
-    title->setGeometry(40, 28, 400, 34);
-    QLabel* subtitle = Style::label("Find identical files in a folder and remove the extra copies.", 12, true);
-    subtitle->setParent(this);
-    subtitle->setGeometry(40, 62, 560, 20);
+    m_pageTitle = Style::label("Duplicate Finder", 22, false, true);
+    m_pageTitle->setParent(this);
+    m_subtitle = Style::label("Find identical files in a folder and remove the extra copies.", 12, true);
+    m_subtitle->setParent(this);
     m_unreadableLabel = Style::label(QString(), 12, true);
     m_unreadableLabel->setParent(this);
     m_unreadableLabel->setObjectName("unreadableLine");
-    m_unreadableLabel->setGeometry(40, 84, 700, 18);
     m_unreadableLabel->hide();
 }
 
@@ -142,6 +171,7 @@ QWidget* SameFileDeleteViewController::createResultView() {
 
     m_titleLabel = Style::label(QString(), 12, true);
     m_titleLabel->setObjectName("titleLine");
+    m_titleLabel->setWordWrap(true);  // a long folder name takes a second line instead of being cut
 
     m_outlineView = new DuplicateOutlineView(view);
     m_model = new DuplicateOutlineModel(this);
@@ -158,9 +188,11 @@ QWidget* SameFileDeleteViewController::createResultView() {
     header->setSortIndicatorShown(false);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setFont(Style::regularFont(12));
-    header->setStretchLastSection(true);
+    // The name column takes what the window gives; the others keep their widths.
+    header->setStretchLastSection(false);
     for (int column = 0; column < DuplicateOutlineModel::ColumnCount; ++column) {
-        header->setSectionResizeMode(column, QHeaderView::Fixed);
+        header->setSectionResizeMode(column, column == DuplicateOutlineModel::Name ? QHeaderView::Stretch
+                                                                                   : QHeaderView::Fixed);
         header->resizeSection(column, DuplicateOutlineModel::columnWidth(column));
     }
     m_outlineView->setStyleSheet(
@@ -171,6 +203,7 @@ QWidget* SameFileDeleteViewController::createResultView() {
 
     m_selectAllButton = new ImageToggle("checkbox_no", header->viewport());
     m_selectAllButton->setToolTip("Select all");
+    m_selectAllButton->setAccessibleName("Select all");
     m_selectAllButton->move(DuplicateOutlineDelegate::kGroupCheckBoxX, (header->height() - m_selectAllButton->height()) / 2);
     connect(m_selectAllButton, &ImageToggle::clicked, this, &SameFileDeleteViewController::setAllSelectOrNoSelect);
 
@@ -322,6 +355,7 @@ void SameFileDeleteViewController::loadValueForSegment(int tab) {
     if (tab < 0 || tab >= DuplicateTabBar::kTabCount) return;
     m_remberWitchSelect = tab;
     m_model->setTree(m_results ? m_results->treeForTab(tab).get() : nullptr);
+    fitColumns();
     if (m_model->rowCount() > 0) m_outlineView->expand(m_model->index(0, 0));
     m_noGroupsLabel->setVisible(m_model->rowCount() == 0);
     updateTitle();
@@ -365,7 +399,7 @@ void SameFileDeleteViewController::alertEnded(int code, const SimpleTreeNode::Po
 void SameFileDeleteViewController::setAllSelectOrNoSelect() {
     SimpleTreeNode* tree = treeData();
     if (!m_isCanClick || !m_results || !tree || tree->children().isEmpty()) return;
-    m_results->setAllSelectOrNoSelect(*tree, selectAllImage() != "checkbox_yes");
+    m_results->setAllSelectOrNoSelect(*tree, !everyGroupSelected());
     refreshSelection();
 }
 
@@ -376,27 +410,41 @@ void SameFileDeleteViewController::refreshSelection() {
     updateRemoveButton();
 }
 
-// Unticked when nothing is ticked, ticked when every group of the tab keeps
-// at most one copy, and partly ticked in between.
+// Like a group's checkbox: unticked when no copy of the tab is ticked, ticked
+// when every copy is, and partly ticked in between (also after select-all,
+// which keeps one copy of each group).
 QString SameFileDeleteViewController::selectAllImage() const {
     const SimpleTreeNode* tree = treeData();
-    bool anySelected = false;
-    bool allSelected = tree && !tree->children().isEmpty();
+    qsizetype selected = 0;
+    qsizetype copies = 0;
     if (tree) {
         for (const SimpleTreeNode::Pointer& group : tree->children()) {
-            const qsizetype selected = selectedLeaves(*group);
-            anySelected = anySelected || selected > 0;
-            allSelected = allSelected && selected >= group->children().size() - 1;
+            selected += selectedLeaves(*group);
+            copies += group->children().size();
         }
     }
-    if (!anySelected) return "checkbox_no";
-    return allSelected ? "checkbox_yes" : "checkbox_election";
+    if (selected == 0) return "checkbox_no";
+    return selected == copies ? "checkbox_yes" : "checkbox_election";
 }
 
-void SameFileDeleteViewController::updateSelectAllButton() { m_selectAllButton->setImageName(selectAllImage()); }
+// Whether select-all has nothing left to tick: then its click unticks.
+bool SameFileDeleteViewController::everyGroupSelected() const {
+    const SimpleTreeNode* tree = treeData();
+    if (!tree || tree->children().isEmpty()) return false;
+    for (const SimpleTreeNode::Pointer& group : tree->children())
+        if (selectedLeaves(*group) < group->children().size() - 1) return false;
+    return true;
+}
+
+void SameFileDeleteViewController::updateSelectAllButton() {
+    m_selectAllButton->setImageName(selectAllImage());
+    const QString action = everyGroupSelected() ? "Unselect all" : "Select all";
+    m_selectAllButton->setToolTip(action);
+    m_selectAllButton->setAccessibleName(action);
+}
 
 void SameFileDeleteViewController::updateRemoveButton() {
-    m_removeButton->setEnabled(m_isCanClick && m_results && !m_results->allSelectNumArr().isEmpty());
+    m_removeButton->setEnabled(m_isCanClick && !shownSelection().isEmpty());
 }
 
 void SameFileDeleteViewController::updateTitle() {
@@ -405,6 +453,30 @@ void SameFileDeleteViewController::updateTitle() {
     const QString chosen = QString("selected %1 %2 in All").arg(selected).arg(selected == 1 ? "file" : "files");
     m_titleLabel->setText(shown + ", " + chosen + ".");
     m_titleLabel->setToolTip(shown);
+}
+
+// The fixed columns widen to their captions, and the size column to the longest size of
+// the tab: sizes are never shortened.
+void SameFileDeleteViewController::fitColumns() {
+    QHeaderView* header = m_outlineView->header();
+    const int padding = 2 * DuplicateOutlineDelegate::kPadding + 8;
+    for (int column : {DuplicateOutlineModel::Selected, DuplicateOutlineModel::Date}) {
+        const int caption = header->fontMetrics().horizontalAdvance(m_model->headerData(column, Qt::Horizontal).toString());
+        header->resizeSection(column, qMax(DuplicateOutlineModel::columnWidth(column), caption + padding));
+    }
+    const SimpleTreeNode* tree = treeData();
+    const int column = DuplicateOutlineModel::Size;
+    int widest = header->fontMetrics().horizontalAdvance(m_model->headerData(column, Qt::Horizontal).toString());
+    if (tree) {
+        const QFontMetrics group(Style::boldFont(12));
+        const QFontMetrics copy(Style::regularFont(12));
+        for (const SimpleTreeNode::Pointer& node : tree->children()) {
+            widest = qMax(widest, group.horizontalAdvance(byteToSizeWithByte(node->data().fileSize)));
+            for (const SimpleTreeNode::Pointer& leaf : node->children())
+                widest = qMax(widest, copy.horizontalAdvance(byteToSizeWithByte(leaf->data().fileSize)));
+        }
+    }
+    header->resizeSection(column, qMax(DuplicateOutlineModel::columnWidth(column), widest + padding));
 }
 
 void SameFileDeleteViewController::outlineViewDidClickTableColumn(int column) {
@@ -457,22 +529,36 @@ void SameFileDeleteViewController::revealInFolder(const QModelIndex& index) {
 
 // ---- Removal ---------------------------------------------------------------
 
+QList<SimpleTreeNode::Pointer> SameFileDeleteViewController::shownSelection() const {
+    QList<SimpleTreeNode::Pointer> shown;
+    const SimpleTreeNode* tree = treeData();
+    if (!m_results || !tree) return shown;
+    QSet<const SimpleTreeNode*> groups;
+    for (const SimpleTreeNode::Pointer& group : tree->children()) groups.insert(group.get());
+    for (const SimpleTreeNode::Pointer& leaf : m_results->allSelectNumArr())
+        if (groups.contains(leaf->parent())) shown.append(leaf);
+    return shown;
+}
+
+// Only what the user sees ticked is removed: ticks left in other tabs stay.
 void SameFileDeleteViewController::removeBtnClicked() {
-    if (!m_isCanClick || !m_results || m_results->allSelectNumArr().isEmpty()) return;
+    const QList<SimpleTreeNode::Pointer> selection = shownSelection();
+    if (!m_isCanClick || selection.isEmpty()) return;
     quint64 totalSize = 0;
-    for (const SimpleTreeNode::Pointer& leaf : m_results->allSelectNumArr()) totalSize += leaf->data().fileSize;
-    m_markSurePanel = new MarkSureDeleteVC(int(m_results->allSelectNumArr().size()), totalSize, this);
+    for (const SimpleTreeNode::Pointer& leaf : selection) totalSize += leaf->data().fileSize;
+    m_markSurePanel = new MarkSureDeleteVC(int(selection.size()), totalSize, this);
     connect(m_markSurePanel, &MarkSureDeleteVC::delDuplicateItems, this,
             &SameFileDeleteViewController::delDuplicateItems);
     m_markSurePanel->open();
 }
 
 void SameFileDeleteViewController::delDuplicateItems() {
-    if (!m_results || m_results->allSelectNumArr().isEmpty() || m_worker) return;
+    const QList<SimpleTreeNode::Pointer> selection = shownSelection();
+    if (selection.isEmpty() || m_worker) return;
     m_bStopDelTask = false;
     m_isClickStopRemove = false;
     m_delNodesArr.clear();
-    m_removalLeaves = m_results->allSelectNumArr();
+    m_removalLeaves = selection;
     m_removals = DuplicateRemover::plan(m_removalLeaves);
     setBusy(true);
 
@@ -528,8 +614,10 @@ void SameFileDeleteViewController::deleteFinished(const QVariant& leftReasons) {
     if (m_progressPanel) m_progressPanel->close();
     const qsizetype total = m_removalLeaves.size();
     const qsizetype removed = m_delNodesArr.size();
-    const qsizetype left = m_results->forgetRemoved(m_delNodesArr);
-    if (m_isClickStopRemove) {
+    m_results->forgetRemoved(m_delNodesArr);
+    const qsizetype left = total - removed;
+    // A stop that came after the last copy had gone changed nothing: the run ended in full.
+    if (m_isClickStopRemove && left > 0) {
         m_results->setAllSelectOrNoSelect(*m_results->allTreeNode(), false);
         showFailView("Removal stopped", QString("%1 of %2 selected copies were removed before the removal was stopped.")
                                             .arg(removed)

@@ -67,7 +67,8 @@ public:
     void openFile(const QModelIndex& index);
     void revealInFolder(const QModelIndex& index);
 
-    // Removal.
+    // Removal: the copies ticked in the shown tab, in the selection's order.
+    QList<SimpleTreeNode::Pointer> shownSelection() const;
     void removeBtnClicked();
     void delDuplicateItems();
     void stopRemoveBtnClicked();
@@ -98,8 +99,14 @@ public:
     DuplicationDetSuccessViewController* successPanel() const;
     DuplicationDetFailViewController* failPanel() const;
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void createHeader();
+    QWidget* createStartPage();
+    void setTabOrder();
+    void fitColumns();
     QWidget* createResultView();
     void setBusy(bool busy);
     void updateTitle();
@@ -107,6 +114,7 @@ private:
     void updateRemoveButton();
     void refreshSelection();
     QString selectAllImage() const;
+    bool everyGroupSelected() const;
     QString pathOfRow(const QModelIndex& index) const;
     void showFailView(const QString& title, const QString& message);
 
@@ -143,6 +151,8 @@ private:
     QWidget* m_resultView = nullptr;
     DuplicateEmptyView* m_emptyView = nullptr;
     DuplicateTabBar* m_tabBar = nullptr;
+    QLabel* m_pageTitle = nullptr;
+    QLabel* m_subtitle = nullptr;
     QLabel* m_titleLabel = nullptr;
     QLabel* m_unreadableLabel = nullptr;  // how many files and folders the last search could not read
     DuplicateOutlineView* m_outlineView = nullptr;
