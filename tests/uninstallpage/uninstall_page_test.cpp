@@ -1,3 +1,5 @@
+#include "KeyboardWalk.h"
+#include "LayoutCheck.h"
 #include "Screenshot.h"
 #include "engine/platform/NativePath.h"
 #include "engine/uninstall/ApplicationInventory.h"
@@ -176,14 +178,23 @@ private slots:
     // the progress and the end message with the sidebar locked until "OK"; then Go and its
     // folder are gone from disk and list, and Chrome's folder is still there.
     void removalKeepsThePossibleMatch() {
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
         tick("Go");
         QTest::mouseClick(m_page->removeButton(), Qt::LeftButton);
         QTRY_VERIFY_WITH_TIMEOUT(m_page->makeSurePanel() && m_page->makeSurePanel()->isVisible(), kTimeoutMs);
         MakeSureUninstallViewController* panel = m_page->makeSurePanel();
         QVERIFY(sidebarLocked(*m_window));
-        QTest::keyClick(panel, Qt::Key_Escape);
+        // Enter presses Cancel, which has the focus; Escape cancels too.
+        QTRY_COMPARE(QApplication::focusWidget(), panel->cancelButton());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QTRY_VERIFY(!panel->isVisible());
         QVERIFY(!sidebarLocked(*m_window));
+        QVERIFY(exists(home(".config/Go")));
+        QTest::mouseClick(m_page->removeButton(), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->makeSurePanel() && m_page->makeSurePanel()->isVisible(), kTimeoutMs);
+        QTest::keyClick(m_page->makeSurePanel(), Qt::Key_Escape);
+        QTRY_VERIFY(!m_page->makeSurePanel()->isVisible());
         QVERIFY(exists(home(".config/Go")));
 
         QTest::mouseClick(m_page->removeButton(), Qt::LeftButton);
@@ -273,6 +284,53 @@ private slots:
         QTRY_VERIFY(!m_page->progressPanel());
         QVERIFY(exists(home("Applications/Zed-0.9-x86_64.AppImage")));
         QVERIFY(m_page->searchField()->text().isEmpty());
+        QCOMPARE(sortedNames(), QStringList({"Go", "Krita", "Plain Editor", "Zed"}));
+    }
+
+    // Keyboard only at the smallest and a large window: Tab walks the header, the table
+    // and the footer in order, Space ticks the row in the ring; no text of the page or
+    // of the confirmation is cut (also at scale 2 in the _scale2 run), the table grows
+    // with the window, and Enter on the confirmation cancels it.
+    void keyboardWalkAndLayoutAtTwoSizes() {
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        for (const QSize& size : {m_window->minimumSize(), QSize(1500, 950)}) {
+            m_window->resize(size);
+            QTRY_COMPARE(m_page->size(), m_window->pageArea()->size());
+            QTRY_VERIFY_WITH_TIMEOUT(allSized(), kTimeoutMs);
+            QTableView* table = m_page->tableView();
+            QCOMPARE(table->horizontalHeader()->length(), table->viewport()->width());
+            QVERIFY2(clippedTexts(m_page).isEmpty(), qPrintable(clippedTexts(m_page).join('\n')));
+
+            QVERIFY(keyboardwalk::tabTo(m_page->searchField()));
+            for (QWidget* next : std::initializer_list<QWidget*>{m_page->sortButton(), m_page->refreshButton(), table}) {
+                keyboardwalk::press(Qt::Key_Tab);
+                QCOMPARE(keyboardwalk::focused(), next);
+            }
+            const qsizetype ticked = m_page->tickedList().size();
+            keyboardwalk::press(Qt::Key_Space);
+            QCOMPARE(m_page->tickedList().size(), ticked == 0 ? 1 : 0);
+            QVERIFY(saveScreenshot(m_window.get(), "uninstall_focus_table_" +
+                                                      QString(size == m_window->minimumSize() ? "small" : "large")));
+            keyboardwalk::press(Qt::Key_Tab);
+            QCOMPARE(keyboardwalk::focused(), m_page->selectAllButton());
+        }
+        QCOMPARE(m_page->tickedList().size(), 0);  // ticked at the first size, unticked at the second
+        QVERIFY(keyboardwalk::tabTo(m_page->tableView()));
+        keyboardwalk::press(Qt::Key_Space);
+        QCOMPARE(m_page->tickedList().size(), 1);
+        keyboardwalk::press(Qt::Key_Tab);
+        keyboardwalk::press(Qt::Key_Tab);
+        QCOMPARE(keyboardwalk::focused(), m_page->removeButton());
+        keyboardwalk::press(Qt::Key_Space);
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->makeSurePanel() && m_page->makeSurePanel()->isVisible(), kTimeoutMs);
+        MakeSureUninstallViewController* panel = m_page->makeSurePanel();
+        QVERIFY2(clippedTexts(panel).isEmpty(), qPrintable(clippedTexts(panel).join('\n')));
+        QTRY_COMPARE(keyboardwalk::focused(), panel->cancelButton());
+        QVERIFY(saveScreenshotWithPanel(m_window.get(), panel, "uninstall_confirmation_cancel_default"));
+        keyboardwalk::press(Qt::Key_Return);
+        QTRY_VERIFY(!panel->isVisible());
+        QVERIFY(!m_page->progressPanel());
         QCOMPARE(sortedNames(), QStringList({"Go", "Krita", "Plain Editor", "Zed"}));
     }
 

@@ -9,7 +9,6 @@
 
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -21,7 +20,6 @@ MakeSureUninstallViewController::MakeSureUninstallViewController(UninstallSessio
       m_model(new UninstallTreeModel(session, this)),
       m_treeView(new DuplicateOutlineView(this)),
       m_runningLabel(Style::label(QString(), 12)),
-      m_cancelButton(ImageSetButton::secondary("Cancel", this)),
       m_uninstallButton(ImageSetButton::primary("Uninstall", this)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(26, 22, 26, 20);
@@ -66,8 +64,6 @@ MakeSureUninstallViewController::MakeSureUninstallViewController(UninstallSessio
                                       " color: rgba(255,255,255,128); }")
                                   .arg(Style::rgba(Style::kAccent)));
     // From the keyboard: Tab into the tree, Up and Down move, Space ticks, Left and Right fold.
-    m_treeView->setFocusPolicy(Qt::TabFocus);
-    m_treeView->installEventFilter(this);
     m_treeView->expandAll();
     layout->addWidget(m_treeView, 1);
     connect(m_treeView, &DuplicateOutlineView::checkBoxClicked, this,
@@ -77,25 +73,24 @@ MakeSureUninstallViewController::MakeSureUninstallViewController(UninstallSessio
         if (UninstallTreeModel::recordOf(name) < 0) m_treeView->setExpanded(name, !m_treeView->isExpanded(name));
     });
 
-    // The destructive button is never the default one: Enter does not uninstall.
-    for (QPushButton* button : {m_cancelButton, m_uninstallButton}) {
-        button->setAutoDefault(false);
-        button->setDefault(false);
-        button->setFixedWidth(120);
-    }
+    // The destructive button is never the default one: Enter presses Cancel.
+    QPushButton* cancel = ImageSetButton::secondary("Cancel", this);
+    m_uninstallButton->setAutoDefault(false);
+    for (QPushButton* button : {cancel, m_uninstallButton}) button->setFixedWidth(120);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(12);
     buttons->addStretch(1);
-    buttons->addWidget(m_cancelButton);
+    buttons->addWidget(cancel);
     buttons->addWidget(m_uninstallButton);
     layout->addLayout(buttons);
     m_uninstallButton->setEnabled(session->canUninstall());
-    connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_uninstallButton, &QPushButton::clicked, this, [this] {
         if (m_session->canUninstall()) emit clickedDeleteBtn();
     });
-    setTabOrder(m_treeView, m_cancelButton);
-    setTabOrder(m_cancelButton, m_uninstallButton);
+    setCancelButton(cancel);
+    setTabOrder(m_treeView, cancel);
+    setTabOrder(cancel, m_uninstallButton);
 }
 
 void MakeSureUninstallViewController::selectRemoveLanguage(const QModelIndex& index) {
@@ -104,23 +99,6 @@ void MakeSureUninstallViewController::selectRemoveLanguage(const QModelIndex& in
     m_session->selectRemoveLanguage(group, UninstallTreeModel::recordOf(index));
     m_uninstallButton->setEnabled(m_session->canUninstall());
     m_model->redraw();
-}
-
-void MakeSureUninstallViewController::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape) {
-        reject();
-        return;
-    }
-    MAAttachedWindow::keyPressEvent(event);
-}
-
-bool MakeSureUninstallViewController::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == m_treeView && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space) {
-        selectRemoveLanguage(m_treeView->currentIndex());
-        return true;
-    }
-    return MAAttachedWindow::eventFilter(watched, event);
 }
 
 }  // namespace velmora

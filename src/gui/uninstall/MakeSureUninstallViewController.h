@@ -14,9 +14,10 @@ class UninstallTreeModel;
 // The confirmation before an uninstall: every application with its related files in an
 // expanded tree with three-state group boxes. What the engine pre-ticks is ticked; a
 // possible match or a folder another application also matches is shown unticked and
-// marked. A running application is named with "Quit it first". "Cancel" (or Escape)
-// closes it; "Uninstall" reports clickedDeleteBtn and is enabled only while something is
-// ticked. The session belongs to the caller.
+// marked. A running application is named with "Quit it first". "Cancel" (also Enter and
+// Escape) closes it; "Uninstall" reports clickedDeleteBtn and is enabled only while
+// something is ticked, and takes a click or Space once the focus is on it. The session
+// belongs to the caller.
 class MakeSureUninstallViewController : public MAAttachedWindow {
     Q_OBJECT
 public:
@@ -30,21 +31,15 @@ public:
     UninstallTreeModel* treeModel() const { return m_model; }
     QLabel* runningLabel() const { return m_runningLabel; }
     QPushButton* uninstallButton() const { return m_uninstallButton; }
-    QPushButton* cancelButton() const { return m_cancelButton; }
 
 signals:
     void clickedDeleteBtn();
-
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     UninstallSession* m_session;
     UninstallTreeModel* m_model;
     DuplicateOutlineView* m_treeView;
     QLabel* m_runningLabel;
-    QPushButton* m_cancelButton;
     QPushButton* m_uninstallButton;
 };
 

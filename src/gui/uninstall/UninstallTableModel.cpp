@@ -90,6 +90,9 @@ QVariant UninstallTableModel::data(const QModelIndex& index, int role) const {
             return item->size;
         }
         return {};
+    case Qt::CheckStateRole:  // what assistive technology announces for the drawn box
+        if (column != CheckBox) return {};
+        return m_ticked && m_ticked->contains(item) ? Qt::Checked : Qt::Unchecked;
     case SecondLineRole: return column == AppName ? displayPath(item->bundleID) : QVariant();
     case Qt::DecorationRole: return column == AppName ? QVariant(iconOf(*item)) : QVariant();
     case Qt::ToolTipRole:

@@ -20,6 +20,7 @@
 #include <QButtonGroup>
 #include <QFutureWatcher>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -35,7 +36,8 @@ namespace {
 constexpr int kMargin = 26;
 constexpr int kTabsTop = 96;
 constexpr int kTableTop = 148;
-constexpr int kFooterTop = 542;
+constexpr int kFooterHeight = 58;  // from the footer's buttons to the page's bottom edge
+constexpr int kCounterWidth = 220;
 constexpr int kRemoveDelayMs = 500;  // the confirmation has gone before the progress shows
 
 struct TabLook {
@@ -86,6 +88,7 @@ UninstallViewController::UninstallViewController(MainWindowController* superDele
     connect(m_inventory, &ApplicationInventory::itemFound, this, &UninstallViewController::itemFound);
     connect(m_inventory, &ApplicationInventory::scanFinished, this, &UninstallViewController::scanFinished);
     connect(m_inventory, &ApplicationInventory::sizeReady, m_model, &UninstallTableModel::redrawRecord);
+    connect(m_inventory, &ApplicationInventory::sizeReady, this, &UninstallViewController::fitSizeColumn);
     m_model->setTickedList(&m_ticked[m_appsType]);
 }
 
@@ -105,11 +108,9 @@ void UninstallViewController::createHeader() {
     QLabel* title = Style::label("Uninstaller", 22, false, true);
     title->setParent(this);
     title->setGeometry(40, 28, 400, 34);
-    QLabel* subtitle = Style::label("Remove applications, widgets and plug-ins together with the files they leave "
-                                    "behind.",
-                                    12, true);
-    subtitle->setParent(this);
-    subtitle->setGeometry(40, 62, 700, 20);
+    m_subtitle = Style::label("Remove applications, widgets and plug-ins together with the files they leave behind.",
+                              12, true);
+    m_subtitle->setParent(this);
 
     m_tabs = new QButtonGroup(this);
     m_tabs->setExclusive(true);
@@ -129,7 +130,7 @@ void UninstallViewController::createHeader() {
     m_searchField->setClearButtonEnabled(true);
     m_searchField->addAction(QIcon(Style::imagePath("ic_search")), QLineEdit::LeadingPosition);
     m_searchField->setFont(Style::regularFont(12));
-    m_searchField->setGeometry(width() - kMargin - 76 - 190, kTabsTop + 5, 190, 28);
+    m_searchField->resize(190, 28);
     m_searchField->setStyleSheet(QString("QLineEdit { background: rgba(255,255,255,18); color: white;"
                                          " border: 1px solid rgba(255,255,255,40); border-radius: 14px; padding: 0 8px; }"
                                          "QLineEdit:focus { border: 2px solid %1; }")
@@ -138,8 +139,8 @@ void UninstallViewController::createHeader() {
 
     m_sortButton = new ImageToggle("ic_sort", this, 24);
     m_sortButton->setToolTip("Sort");
+    m_sortButton->setAccessibleName("Sort");
     m_sortButton->setFocusPolicy(Qt::TabFocus);
-    m_sortButton->move(width() - kMargin - 62, kTabsTop + 7);
     connect(m_sortButton, &ImageToggle::clicked, this, [this] {
         if (m_sortMenu) m_sortMenu->close();
         m_sortMenu = new FileEraserSortVC(m_sortType, m_sortAD, this);
@@ -150,8 +151,8 @@ void UninstallViewController::createHeader() {
     });
     m_refreshButton = new ImageToggle("ic_refresh", this, 24);
     m_refreshButton->setToolTip("Scan again");
+    m_refreshButton->setAccessibleName("Scan again");
     m_refreshButton->setFocusPolicy(Qt::TabFocus);
-    m_refreshButton->move(width() - kMargin - 26, kTabsTop + 7);
     connect(m_refreshButton, &ImageToggle::clicked, this, &UninstallViewController::refButtonAction);
 }
 
@@ -166,7 +167,9 @@ void UninstallViewController::createTable() {
     for (int column = 0; column < UninstallTableModel::ColumnCount; ++column)
         widths.append(UninstallTableModel::columnWidth(column));
     applyListTableLook(m_tableView, 48, widths);
-    m_tableView->horizontalHeader()->setStretchLastSection(true);
+    // The name column takes what the window gives; sizes are never shortened.
+    m_tableView->horizontalHeader()->setStretchLastSection(false);
+    m_tableView->horizontalHeader()->setSectionResizeMode(UninstallTableModel::AppName, QHeaderView::Stretch);
     // From the keyboard: Tab into the table, Up and Down move, Space ticks, Delete removes the row.
     m_tableView->setFocusPolicy(Qt::TabFocus);
     m_tableView->setTabKeyNavigation(false);
@@ -174,20 +177,23 @@ void UninstallViewController::createTable() {
                                QString("QTableView:focus { border: 2px solid %1; border-radius: 6px; }")
                                    .arg(Style::rgba(Style::kAccent)));
     m_tableView->installEventFilter(this);
-    m_tableView->setGeometry(kMargin, kTableTop, width() - 2 * kMargin, kFooterTop - kTableTop - 14);
+    // The row Space and Delete act on is always the highlighted one, also when Tab brought
+    // the focus in.
+    connect(m_tableView->selectionModel(), &QItemSelectionModel::currentRowChanged, m_tableView,
+            [this](const QModelIndex& current) {
+                if (current.isValid()) m_tableView->selectRow(current.row());
+            });
     connect(m_tableView, &QTableView::clicked, this, &UninstallViewController::tableClicked);
 
     m_emptyLabel = Style::label(QString(), 13, true);
     m_emptyLabel->setParent(this);
     m_emptyLabel->setAlignment(Qt::AlignCenter);
     m_emptyLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
-    m_emptyLabel->setGeometry(kMargin, kTableTop + 80, width() - 2 * kMargin, 40);
 }
 
 void UninstallViewController::createFooter() {
     m_selectAllButton = ImageSetButton::secondary("Select all", this);
     m_selectAllButton->setFixedWidth(120);
-    m_selectAllButton->move(kMargin, kFooterTop);
     connect(m_selectAllButton, &QPushButton::clicked, this, &UninstallViewController::selectAllButtonAction);
 
     m_counterLabel = Style::label(QString(), 12, true);
@@ -195,23 +201,53 @@ void UninstallViewController::createFooter() {
     m_counterLabel->setObjectName("counterLabel");
     m_counterLabel->setTextFormat(Qt::RichText);
     m_counterLabel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    m_counterLabel->setGeometry(kMargin + 136, kFooterTop, 300, m_selectAllButton->sizeHint().height());
 
     m_scanningLabel = Style::label("Scanning…", 12, true);
     m_scanningLabel->setParent(this);
     m_scanningLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_scanningLabel->setGeometry(width() - kMargin - 150 - 160, kFooterTop, 150, m_selectAllButton->sizeHint().height());
 
     m_removeButton = ImageSetButton::primary("Uninstall", this);
     m_removeButton->setFixedWidth(150);
     m_removeButton->setAutoDefault(false);
-    m_removeButton->move(width() - kMargin - 150, kFooterTop);
     connect(m_removeButton, &QPushButton::clicked, this, &UninstallViewController::uninstallAppButtonAction);
     setTabOrder(m_searchField, m_sortButton);
     setTabOrder(m_sortButton, m_refreshButton);
     setTabOrder(m_refreshButton, m_tableView);
     setTabOrder(m_tableView, m_selectAllButton);
     setTabOrder(m_selectAllButton, m_removeButton);
+}
+
+// Header and footer keep their rows; the table between them, the search field and the
+// buttons at the right follow the page's size.
+void UninstallViewController::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const int right = width() - kMargin;
+    const int footerTop = height() - kFooterHeight;
+    const int footerHeight = m_selectAllButton->sizeHint().height();
+    m_subtitle->setGeometry(40, 62, width() - 80, 20);
+    m_searchField->move(right - 76 - m_searchField->width(), kTabsTop + 5);
+    m_sortButton->move(right - 62, kTabsTop + 7);
+    m_refreshButton->move(right - 26, kTabsTop + 7);
+    m_tableView->setGeometry(kMargin, kTableTop, right - kMargin, footerTop - kTableTop - 14);
+    m_emptyLabel->setGeometry(kMargin, kTableTop + 80, right - kMargin, 40);
+    m_selectAllButton->move(kMargin, footerTop);
+    // The selected count is set larger than the rest of the line: the label is taller than the row.
+    const int counterHeight = qMax(footerHeight, QFontMetrics(Style::boldFont(14)).height() + 6);
+    m_counterLabel->setGeometry(kMargin + 136, footerTop + (footerHeight - counterHeight) / 2, kCounterWidth,
+                                counterHeight);
+    m_removeButton->move(right - m_removeButton->width(), footerTop);
+    const int scanningLeft = m_counterLabel->geometry().right() + 10;
+    m_scanningLabel->setGeometry(scanningLeft, footerTop, m_removeButton->x() - 10 - scanningLeft, footerHeight);
+}
+
+// Sizes are never shortened: the size column is as wide as the longest size shown.
+void UninstallViewController::fitSizeColumn() {
+    const int column = UninstallTableModel::Size;
+    QHeaderView* header = m_tableView->horizontalHeader();
+    const QFontMetrics metrics(Style::regularFont(12));
+    int widest = header->fontMetrics().horizontalAdvance(m_model->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+    for (const AMAppItemPtr& item : showListArr()) widest = qMax(widest, metrics.horizontalAdvance(item->size));
+    header->resizeSection(column, qMax(UninstallTableModel::columnWidth(column), widest + 24));
 }
 
 QToolButton* UninstallViewController::tabButton(int tab) const { return static_cast<QToolButton*>(m_tabs->button(tab)); }
@@ -289,6 +325,7 @@ void UninstallViewController::selectSortbyType(int sortType, int sortAD) {
 void UninstallViewController::rebuildShownList() {
     const AMAppItemList shown = InventoryListing::filtered(m_inventory->items(m_appsType), m_searchField->text());
     m_model->reloadData(InventoryListing::sorted(shown, m_sortType, m_sortAD));
+    fitSizeColumn();
     refreshHeader();
     changeSelectAllButtonState();
 }
@@ -451,6 +488,7 @@ void UninstallViewController::completeCleanRelatedFiles() {
     const QSignalBlocker quiet(m_searchField);
     m_searchField->clear();
     m_model->reloadData(m_inventory->items(m_appsType));
+    fitSizeColumn();
     refreshHeader();
     changeSelectAllButtonState();
 }

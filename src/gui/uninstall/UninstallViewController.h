@@ -77,6 +77,7 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -95,6 +96,8 @@ private:
     void uninstallEnd();
     void tableClicked(const QModelIndex& index);
 
+    void fitSizeColumn();
+
     QPointer<MainWindowController> m_superDelegate;
     ApplicationInventory* m_inventory;
     UninstallTableModel* m_model;
@@ -107,6 +110,7 @@ private:
     bool m_oneRemove = false;
     AMAppItemPtr m_oneRemoveRecord;  // the per-row remove's record
 
+    QLabel* m_subtitle = nullptr;
     QButtonGroup* m_tabs = nullptr;
     QLineEdit* m_searchField = nullptr;
     ImageToggle* m_sortButton = nullptr;
