@@ -237,6 +237,7 @@ private slots:
             "Velmora Data Eraser has successfully removed the selected application(s) and all associated files."));
         QVERIFY(progress->messageText().endsWith(" KB MB disk space."));
         QVERIFY(progress->failureList()->isHidden());
+        QVERIFY2(clippedTexts(progress).isEmpty(), qPrintable(clippedTexts(progress).join('\n')));
         QVERIFY(sidebarLocked(*m_window));
         QVERIFY(saveScreenshotWithPanel(m_window.get(), progress, "uninstall_end"));
 
@@ -275,6 +276,7 @@ private slots:
             QVERIFY(!progress->messageText().contains("successfully"));
             QCOMPARE(progress->failureList()->count(), 1);
             QVERIFY(progress->failureList()->item(0)->text().contains("/.config/Zed"));
+            QVERIFY2(clippedTexts(progress).isEmpty(), qPrintable(clippedTexts(progress).join('\n')));
             QVERIFY(saveScreenshotWithPanel(m_window.get(), progress, "uninstall_end_failure"));
         } else {
             qWarning("SKIPPED the failure half: no immutable flag on this file system");

@@ -117,9 +117,12 @@ QWidget* SameFileDeleteViewController::createStartPage() {
     hint->setAlignment(Qt::AlignCenter);
     hint->setWordWrap(true);
     auto* layout = new QVBoxLayout(startPage);
-    layout->setContentsMargins(112, 40, 112, 100);
+    layout->setContentsMargins(40, 40, 40, 100);
     layout->setSpacing(22);
-    layout->addWidget(m_startView, 1);
+    auto* dropRow = new QHBoxLayout;
+    dropRow->setContentsMargins(72, 0, 72, 0);
+    dropRow->addWidget(m_startView);
+    layout->addLayout(dropRow, 1);
     layout->addWidget(hint);
     return startPage;
 }

@@ -112,6 +112,9 @@ void UninstallProgressViewController::changeLabel(const QString& message) { m_me
 void UninstallProgressViewController::setFailures(const QStringList& failures) {
     m_failureList->clear();
     m_failureList->addItems(failures);
+    // A long path may still not fit on its wrapped lines: the whole text is the tool tip.
+    for (int row = 0; row < m_failureList->count(); ++row)
+        m_failureList->item(row)->setToolTip(failures.at(row));
     m_failureList->setVisible(!failures.isEmpty());
     // The list needs room; without it the panel stays small.
     setFixedSize(500, failures.isEmpty() ? 200 : 320);
