@@ -743,9 +743,11 @@ private slots:
             QVERIFY(keyboardwalk::tabTo(m_page->startView()->chooseButton()));
             screenshot(m_window.get(), "duplicate_focus_start_" + sizeName);
 
-            m_page->searchPathChosen(empty);
+            m_page->searchPathChosen(empty);  // from the keyboard: the focus goes on with the views
+            QCOMPARE(keyboardwalk::focused(), m_page->searchingView()->stopButton());
             waitForSearch();
             QCOMPARE(m_page->views()->currentWidget(), static_cast<QWidget*>(m_page->emptyView()));
+            QCOMPARE(keyboardwalk::focused(), m_page->emptyView()->searchButton());
             QVERIFY2(clippedTexts(m_page).isEmpty(), qPrintable(clippedTexts(m_page).join('\n')));
 
             searchAndWait(root);
@@ -753,10 +755,10 @@ private slots:
             m_page->treeData()->children().first()->data().fileSize = 987654321098ull;
             m_page->segmentSelect(0);
             DuplicateOutlineView* outline = m_page->outlineView();
+            QCOMPARE(keyboardwalk::focused(), outline);
             outline->expandAll();
             QCOMPARE(outline->header()->length(), outline->viewport()->width());
             QVERIFY2(clippedTexts(m_page).isEmpty(), qPrintable(clippedTexts(m_page).join('\n')));
-            QVERIFY(keyboardwalk::tabTo(outline));
             keyboardwalk::press(Qt::Key_Down);
             screenshot(m_window.get(), "duplicate_focus_outline_" + sizeName);
         }

@@ -25,6 +25,7 @@
 #include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QGridLayout>
@@ -276,9 +277,11 @@ void SameFileDeleteViewController::searchBtnClicked() {
     m_isStopScan = false;
     m_bSearchFinished = false;
     m_unreadableLabel->hide();
+    const bool keyboardUser = hasFocusInside();
     setBusy(true);
     m_searchingView->reset(m_searchPath);
     m_views->setCurrentWidget(m_searchingView);
+    if (keyboardUser) m_searchingView->stopButton()->setFocus(Qt::TabFocusReason);
     m_progressTimer->start();
     DuplicateFilesOpt* opt = m_opt.get();
     m_worker = ThreadWorker::workOn(
@@ -312,6 +315,7 @@ void SameFileDeleteViewController::searchFinished(bool succeeded) {
     m_worker = nullptr;
     m_progressTimer->stop();
     m_bSearchFinished = true;
+    const bool keyboardUser = hasFocusInside();
     m_searchingView->indicator()->setIndeterminate(false);
     setBusy(false);
 
@@ -330,6 +334,7 @@ void SameFileDeleteViewController::searchFinished(bool succeeded) {
     if (!m_opt->getDuplicateFiles(tree)) {
         m_emptyView->setSearchPath(m_searchPath);
         m_views->setCurrentWidget(m_emptyView);
+        if (keyboardUser) m_emptyView->searchButton()->setFocus(Qt::TabFocusReason);
         if (!succeeded && !m_isStopScan && !isReadableFolder(m_searchPath))
             showFailView("The folder can't be searched",
                          QString("%1 could not be read.").arg(displayPath(m_searchPath)));
@@ -343,6 +348,7 @@ void SameFileDeleteViewController::searchFinished(bool succeeded) {
     m_tabBar->setAllTabLabel(m_searchPath);
     m_views->setCurrentWidget(m_resultView);
     segmentSelect(0);
+    if (keyboardUser) m_outlineView->setFocus(Qt::TabFocusReason);
 }
 
 // ---- Tabs ------------------------------------------------------------------
@@ -656,6 +662,13 @@ void SameFileDeleteViewController::showFailView(const QString& title, const QStr
 }
 
 // ---- Shared ----------------------------------------------------------------
+
+// Whether the keyboard focus is on this page: a view that replaces the one with the focus
+// then hands it on to its own first control, so that Tab and Space go on where they were.
+bool SameFileDeleteViewController::hasFocusInside() const {
+    const QWidget* focus = QApplication::focusWidget();
+    return focus && isAncestorOf(focus);
+}
 
 // Searching and removing lock the sidebar, the buttons and the outline.
 void SameFileDeleteViewController::setBusy(bool busy) {

@@ -109,6 +109,7 @@ private:
     void fitColumns();
     QWidget* createResultView();
     void setBusy(bool busy);
+    bool hasFocusInside() const;
     void updateTitle();
     void updateSelectAllButton();
     void updateRemoveButton();
