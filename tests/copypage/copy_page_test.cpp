@@ -2,6 +2,7 @@
 // disk page, source and destination chosen with their refusal, files picked in the tree,
 // confirmed, copied with progress, and the end view: success, a file the copy could not
 // read listed in the details, and a copy stopped by the user.
+#include "KeyboardWalk.h"
 #include "support/FileAccessOverride.h"
 #include "support/LoopVolume.h"
 #include "support/TestFiles.h"
@@ -39,6 +40,9 @@
 
 using namespace velmora;
 using velmora::test::LoopVolume;
+using keyboardwalk::focused;
+using keyboardwalk::press;
+using keyboardwalk::tabTo;
 
 namespace {
 
@@ -276,6 +280,49 @@ private slots:
         QVERIFY(m_page->failPanel()->messageText().contains("not copied"));
         QVERIFY(m_window->allTypeButArr().first()->isEnabled());
         QVERIFY(m_page->closeButton()->isEnabled());
+    }
+
+    // From the keyboard alone: Tab reaches the drive rows (Space chooses) and "Copy Now";
+    // Space asks, with Cancel focused and default, so Enter (like Escape) copies nothing.
+    void keyboardNeverCopiesByEnter() {
+        test::writeFile(m_sourceMount + "/top.txt", "top\n");
+        QVERIFY(openFromMenu());
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QVERIFY(tabTo(m_page->sourcePicker()->rowOfPath(QString::fromStdString(m_sourceMount))));
+        press(Qt::Key_Space);
+        QVERIFY(tabTo(m_page->destinationPicker()->rowOfPath(QString::fromStdString(m_destinationMount))));
+        press(Qt::Key_Space);
+        QVERIFY(m_page->copyButton()->isEnabled());
+        QVERIFY(tabTo(m_page->copyButton()));
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_copy_page_focus"));
+        for (int key : {Qt::Key_Return, Qt::Key_Escape}) {
+            QVERIFY(tabTo(m_page->copyButton()));
+            press(Qt::Key_Space);
+            QTRY_VERIFY(m_page->makeSurePanel() && m_page->makeSurePanel()->isVisible());
+            QTRY_COMPARE(focused(), m_page->makeSurePanel()->cancelButton());
+            QVERIFY(m_page->makeSurePanel()->cancelButton()->isDefault());
+            press(key);
+            QTRY_VERIFY(!m_page->makeSurePanel());
+            QVERIFY(!m_page->copyProgressVC());
+        }
+        QVERIFY(cloneFolderIn(m_destinationMount).empty());
+    }
+
+    // No text of the page is cut at a large and the smallest window (and at scale 2 in
+    // the _scale2 run); the pickers share the width.
+    void nothingClippedAtTwoSizes() {
+        QVERIFY(openFromMenu());
+        chooseRow(m_page->sourcePicker(), m_sourceMount);
+        chooseRow(m_page->destinationPicker(), m_destinationMount);
+        for (const QSize& size : {QSize(1500, 950), m_window->minimumSize()}) {
+            m_window->resize(size);
+            QTRY_COMPARE(m_page->size(), m_window->pageArea()->size());
+            QVERIFY(qAbs(m_page->sourcePicker()->width() - m_page->destinationPicker()->width()) <= 1);
+            const QStringList clipped = clippedTexts(m_page);
+            QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
+            QVERIFY(saveScreenshot(m_window.get(), size == m_window->minimumSize() ? "copy_small" : "copy_large"));
+        }
     }
 
 private:

@@ -1,5 +1,6 @@
 // The "Disk Format" / "Disk Tool" page on real volumes: an ext4 file system on a
 // loop device is listed, renamed, formatted and ejected through the page.
+#include "KeyboardWalk.h"
 #include "support/ChildProcess.h"
 #include "support/LoopVolume.h"
 #include "erasepage/PanelScreenshot.h"
@@ -30,6 +31,9 @@
 
 using namespace velmora;
 using velmora::test::LoopVolume;
+using keyboardwalk::focused;
+using keyboardwalk::press;
+using keyboardwalk::tabTo;
 
 namespace {
 
@@ -335,6 +339,60 @@ private slots:
         QVERIFY(settled());
         QVERIFY(m_page->renameButton()->isVisible());
         QCOMPARE(m_page->ejectButton()->isVisible(), m_page->selectVolume().bCanEject);
+    }
+
+    // From the keyboard alone: Tab reaches the list (Down chooses the volume) and the
+    // mode's button. In "Disk Format", Space opens the confirmation; Enter there is
+    // Cancel (nothing is formatted) and Escape closes it. In "Disk Tool", Escape closes
+    // the rename sheet.
+    void keyboardNeverFormatsByEnter() {
+        QVERIFY(openMode(3));
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QVERIFY(tabTo(m_page->tableView()));
+        for (int step = 0; step < m_page->allVolumeArr().size() && m_page->selectVolume().volumePath != m_device; ++step)
+            press(Qt::Key_Down);
+        QCOMPARE(m_page->selectVolume().volumePath, m_device);
+        QVERIFY(tabTo(m_page->formatButton()));
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_disk_page_focus"));
+        for (int key : {Qt::Key_Return, Qt::Key_Escape}) {
+            QVERIFY(tabTo(m_page->formatButton()));
+            press(Qt::Key_Space);
+            QTRY_VERIFY(m_page->makeSureFormatPanel() && m_page->makeSureFormatPanel()->isVisible());
+            QTRY_VERIFY(focused() && m_page->makeSureFormatPanel()->isAncestorOf(focused()));
+            QVERIFY(m_page->makeSureFormatPanel()->cancelButton()->isDefault());
+            QVERIFY(!m_page->makeSureFormatPanel()->continueButton()->isDefault());
+            press(key);
+            QTRY_VERIFY(!m_page->makeSureFormatPanel());
+            QVERIFY(!m_page->diskTool()->isRunning());
+        }
+        QCOMPARE(blkidTypeAndLabel(m_device.toStdString()), "ext4 " + m_label.toStdString());
+
+        QVERIFY(openMode(4));
+        QVERIFY(tabTo(m_page->tableView()));
+        QVERIFY(tabTo(m_page->renameButton()));
+        press(Qt::Key_Space);
+        QTRY_VERIFY(m_page->editNamePanel() && m_page->editNamePanel()->isVisible());
+        QTRY_VERIFY(focused() && m_page->editNamePanel()->isAncestorOf(focused()));
+        press(Qt::Key_Escape);
+        QTRY_VERIFY(!m_page->editNamePanel());
+    }
+
+    // No text of the page, in both modes, is cut at a large and the smallest window (and
+    // at scale 2 in the _scale2 run); sizes are never shortened.
+    void nothingClippedAtTwoSizes() {
+        for (const QSize& size : {QSize(1500, 950), m_window->minimumSize()}) {
+            m_window->resize(size);
+            for (int tag : {3, 4}) {
+                QVERIFY(openMode(tag));
+                clickRow(m_page, rowOfDevice(m_page, m_device));
+                QVERIFY(settled());
+                QCOMPARE(m_page->size(), m_window->pageArea()->size());
+                const QStringList clipped = clippedTexts(m_page);
+                QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
+            }
+            QVERIFY(saveScreenshot(m_window.get(), size == m_window->minimumSize() ? "disk_page_small" : "disk_page_large"));
+        }
     }
 
 private:

@@ -1,3 +1,4 @@
+#include "KeyboardWalk.h"
 #include "Screenshot.h"
 #include "TempDataDir.h"
 #include "engine/inter/BrowerObj.h"
@@ -28,6 +29,9 @@
 #include <sys/stat.h>
 
 using namespace velmora;
+using keyboardwalk::focused;
+using keyboardwalk::press;
+using keyboardwalk::tabTo;
 
 namespace {
 
@@ -324,6 +328,62 @@ private slots:
         waitForResults();
         QVERIFY(browserNames().contains("Google Chrome"));
         ::chmod(opera.toUtf8().constData(), 0700);
+    }
+
+    // From the keyboard alone: Tab reaches Scan and Space scans; with a browser running,
+    // the question to close it has Cancel focused and default, so Enter (like Escape)
+    // closes it and the browser keeps running. Without it, the results are walked by
+    // Tab in order: browsers, categories, the option, Back, Clean; Space ticks.
+    void keyboardNeverClosesABrowserByEnter() {
+        startBraveStandIn();
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QVERIFY(tabTo(m_page->scanButton()));
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_internet_page_focus"));
+        for (int key : {Qt::Key_Return, Qt::Key_Escape}) {
+            QVERIFY(tabTo(m_page->scanButton()));
+            press(Qt::Key_Space);
+            QTRY_VERIFY(m_page->closePanel() && m_page->closePanel()->isVisible());
+            QTRY_COMPARE(focused(), m_page->closePanel()->cancelButton());
+            QVERIFY(m_page->closePanel()->cancelButton()->isDefault());
+            press(key);
+            QTRY_VERIFY(!m_page->closePanel());
+            QCOMPARE(::kill(m_standIn, 0), 0);
+            QCOMPARE(m_page->views()->currentWidget(), m_page->startView());
+        }
+        ::kill(m_standIn, SIGKILL);
+        bool timedOut = false;
+        test::waitForChild(m_standIn, 5, timedOut);
+        m_standIn = -1;
+
+        QVERIFY(tabTo(m_page->scanButton()));
+        press(Qt::Key_Space);
+        waitForResults();
+        QVERIFY(tabTo(m_page->browserTable()));
+        press(Qt::Key_Space);  // unticks the first browser
+        QVERIFY(!m_page->browserArr().first()->isSelect);
+        for (QWidget* next : std::initializer_list<QWidget*>{m_page->categoryTable(), m_page->thoroughButton(),
+                                                             m_page->backButton(), m_page->cleanButton()}) {
+            press(Qt::Key_Tab);
+            QCOMPARE(focused(), next);
+        }
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_internet_results_focus"));
+    }
+
+    // No text of the start, scanning and result views is cut at a large and the smallest
+    // window (and at scale 2 in the _scale2 run).
+    void nothingClippedAtTwoSizes() {
+        for (const QSize& size : {QSize(1500, 950), m_window->minimumSize()}) {
+            m_window->resize(size);
+            QTRY_COMPARE(m_page->size(), m_window->pageArea()->size());
+            QStringList clipped = clippedTexts(m_page);
+            QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
+            scanAndWait();
+            clipped = clippedTexts(m_page);
+            QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
+            QVERIFY(saveScreenshot(m_window.get(), size == m_window->minimumSize() ? "internet_small" : "internet_large"));
+            QTest::mouseClick(m_page->backButton(), Qt::LeftButton);
+        }
     }
 
 private:

@@ -1,6 +1,7 @@
 // The disk-wipe page on real volumes: a small ext4 file system on a loop
 // device is listed, chosen and (in free-space mode) wiped through the page.
 #include "support/LoopVolume.h"
+#include "KeyboardWalk.h"
 #include "erasepage/PanelScreenshot.h"
 #include "TempDataDir.h"
 #include "engine/erase/EraserLevel.h"
@@ -22,6 +23,7 @@
 #include "gui/widgets/PanelContent.h"
 #include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
+#include "gui/widgets/SvgImageView.h"
 #include "gui/erase/FileEraserTableModel.h"
 
 #include <QApplication>
@@ -37,6 +39,9 @@
 using namespace velmora;
 using velmora::test::LoopVolume;
 using velmora::test::loopDevicesUnavailable;
+using keyboardwalk::focused;
+using keyboardwalk::press;
+using keyboardwalk::tabTo;
 
 namespace {
 
@@ -203,8 +208,8 @@ private slots:
     }
 
     void mountEventsWhileTheConfirmationIsOpenKeepTheChosenVolume() {
-        MakeSureWipeFreeSpaceViewController* confirm = openFreeSpaceConfirmation();
-        QVERIFY(confirm);
+        QVERIFY(openConfirmation(2));
+        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
 
         // Another volume is mounted and the chosen one is remounted after it: the list
         // follows mount order, so the chosen volume's old row now holds another one.
@@ -326,7 +331,7 @@ private slots:
         QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
         QVERIFY(saveScreenshotWith(m_window.get(), m_page->successPanel(), "wipe_page_free_space_success"));
 
-        QVERIFY2(freeSpaceResults().contains("Erased"), "no history row for the wipe");
+        QVERIFY2(results("Erase Free Space").contains("Erased"), "no history row for the wipe");
         QCOMPARE(m_page->historyButton()->imageName(), QString("ic_history"));
         QVERIFY(QFileInfo::exists(m_mountPoint + "/kept.txt"));
         QVERIFY(!QFileInfo::exists(m_mountPoint + "/.Velmora"));
@@ -342,10 +347,10 @@ private slots:
         precious.write("keep me");
         precious.close();
         QVERIFY(QFile::link(outside.path(), m_mountPoint + "/.Velmora"));
-        const QStringList before = freeSpaceResults();
+        const QStringList before = results("Erase Free Space");
 
-        MakeSureWipeFreeSpaceViewController* confirm = openFreeSpaceConfirmation();
-        QVERIFY(confirm);
+        QVERIFY(openConfirmation(2));
+        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
         QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
 
         QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 120000));
@@ -361,33 +366,186 @@ private slots:
         QCOMPARE(QDir(outside.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
                  QStringList{"precious.txt"});
         QCOMPARE(QFileInfo(m_mountPoint + "/.Velmora").symLinkTarget(), outside.path());
-        const QStringList after = freeSpaceResults();
+        const QStringList after = results("Erase Free Space");
         QCOMPARE(after.count("Failed"), before.count("Failed") + 1);
         QCOMPARE(after.count("Erased"), before.count("Erased"));
         QTest::mouseClick(m_page->failPanel()->okButton(), Qt::LeftButton);
     }
 
+    // From the keyboard alone, in both modes: Tab reaches the list (Down chooses) and
+    // "Erase Now"; Space opens the confirmation with Cancel focused and default. Enter
+    // closes it without starting anything, also with the focus moved to Continue, and
+    // Escape closes it too.
+    void keyboardNeverStartsAnEraseByEnter() {
+        const QStringList before = results("Erase Free Space") + results("Erase Hard Drive");
+        for (int tag : {1, 2}) {
+            m_window->mouseClickAction(tag);
+            QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+            serveEventsFor(600);
+            m_window->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+            QVERIFY(tabTo(m_page->tableView()));
+            for (int step = 0; step < m_page->allVolumeArr().size() && m_page->selectVolumeObj().volumePath != m_device; ++step)
+                press(Qt::Key_Down);
+            QCOMPARE(m_page->selectVolumeObj().volumePath, m_device);
+            QVERIFY(tabTo(m_page->wipeButton()));
+
+            const auto confirmation = [this, tag]() -> MAAttachedWindow* {
+                if (tag == 1) return m_page->makeSureDiskPanel();
+                return m_page->makeSureFreeSpacePanel();
+            };
+            for (int key : {Qt::Key_Return, Qt::Key_Escape}) {
+                for (bool focusOnContinue : {false, true}) {
+                    if (key == Qt::Key_Escape && focusOnContinue) continue;
+                    QVERIFY(tabTo(m_page->wipeButton()));
+                    press(Qt::Key_Space);
+                    QTRY_VERIFY(confirmation() && confirmation()->isVisible());
+                    QPushButton* cancel = confirmation()->cancelButton();
+                    QTRY_COMPARE(focused(), cancel);
+                    QVERIFY(cancel->isDefault());
+                    if (focusOnContinue) {
+                        QPushButton* go = nullptr;
+                        for (QPushButton* button : confirmation()->findChildren<QPushButton*>())
+                            if (button->text() == "Continue") go = button;
+                        QVERIFY(go && tabTo(go));
+                        QVERIFY(!go->isDefault());
+                    }
+                    press(key);
+                    QTRY_VERIFY(!confirmation());
+                    QVERIFY(!m_page->progressPanel());
+                }
+            }
+        }
+        QCOMPARE(results("Erase Free Space") + results("Erase Hard Drive"), before);
+        QVERIFY(!QFileInfo::exists(m_mountPoint + "/.Velmora"));
+    }
+
+    // "Erase Hard Drive" on the loop volume: the progress names the reformat (a moving
+    // bar) and then the fill (its percentage); the end view names the volume over the
+    // fixed text, and the history records it. Nothing written before survives.
+    void wholeDriveEraseShowsBothStagesAndNamesTheVolume() {
+        QFile old(m_mountPoint + "/old.txt");
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("old data");
+        old.close();
+        const QStringList before = results("Erase Hard Drive");
+        QVERIFY(openConfirmation(1));
+        MakeSureWipeDiskViewController* confirm = m_page->makeSureDiskPanel();
+        QStringList stagesAtFillProgress;
+        connect(m_page->freeSpaceWipe(), &FreeSpaceWipe::setRemoveProgress, this, [&] {
+            if (m_page->progressPanel())
+                stagesAtFillProgress << m_page->progressPanel()->stageText() + (m_page->progressPanel()->isBusy() ? " busy" : "");
+        });
+        QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
+        QVERIFY(m_page->progressPanel());
+        QCOMPARE(m_page->progressPanel()->stageText(), QString("Step 1 of 2: reformatting \"%1\"").arg(kLabel));
+        QVERIFY(m_page->progressPanel()->isBusy());
+        QVERIFY(saveScreenshotWith(m_window.get(), m_page->progressPanel(), "wipe_page_whole_drive_stage1"));
+
+        QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 240000));
+        QVERIFY2(m_page->successPanel(), m_page->failPanel() ? qPrintable(PanelContent::messageLabel(m_page->failPanel())->text()) : "");
+        QVERIFY(!stagesAtFillProgress.isEmpty());
+        for (const QString& stage : stagesAtFillProgress)
+            QCOMPARE(stage, QString("Step 2 of 2: overwriting all the space of \"%1\"").arg(kLabel));
+        QCOMPARE(m_page->successPanel()->findChild<QLabel*>("panelTitle")->text(),
+                 QString("\"%1\" has been erased").arg(kLabel));
+        QVERIFY(PanelContent::messageLabel(m_page->successPanel())
+                    ->text()
+                    .startsWith("All the data on the selected hard drive has been successfully erased."));
+        QVERIFY(saveScreenshotWith(m_window.get(), m_page->successPanel(), "wipe_page_whole_drive_success"));
+        QCOMPARE(results("Erase Hard Drive").count("Erased"), before.count("Erased") + 1);
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        QVERIFY(!QFileInfo::exists(m_page->allVolumeArr().at(rowOfDevice(m_page, m_device)).volumeMountPoint + "/old.txt"));
+        press(Qt::Key_Escape);
+        QTRY_VERIFY(!m_page->successPanel());
+    }
+
+    // A disk utility that answers nothing (the volume cannot be pinned, nor reformatted)
+    // ends the run in the failure view, with its mark and the volume named; the run is
+    // recorded as failed and the files stay.
+    void wholeDriveRunWithoutTheDiskUtilityEndsInTheFailureView() {
+        QFile kept(m_mountPoint + "/kept.txt");
+        QVERIFY(kept.open(QIODevice::WriteOnly));
+        kept.close();
+        const QStringList before = results("Erase Hard Drive");
+        QVERIFY(openConfirmation(1));
+        qputenv("VELMORA_DISKUTIL", "/bin/false");
+        QTest::mouseClick(m_page->makeSureDiskPanel()->continueButton(), Qt::LeftButton);
+        const bool ended = waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 60000);
+        qunsetenv("VELMORA_DISKUTIL");
+        QVERIFY(ended);
+        QVERIFY(m_page->failPanel());
+        QVERIFY(!m_page->progressPanel() || !m_page->progressPanel()->isVisible());
+        QCOMPARE(m_page->failPanel()->findChild<SvgImageView*>()->imageName(), QString("ic_fail"));
+        QCOMPARE(m_page->failPanel()->findChild<QLabel*>("panelTitle")->text(), QString("\"%1\" was not erased").arg(kLabel));
+        QVERIFY(PanelContent::messageLabel(m_page->failPanel())->text().startsWith("Nothing was erased"));
+        QCOMPARE(results("Erase Hard Drive").count("Failed"), before.count("Failed") + 1);
+        QCOMPARE(results("Erase Hard Drive").count("Erased"), before.count("Erased"));
+        QVERIFY(QFileInfo::exists(m_mountPoint + "/kept.txt"));
+        QVERIFY(m_window->allTypeButArr().at(0)->isEnabled());
+    }
+
+    // No text of the page (both modes), its panels and end views is cut at the smallest
+    // and a large window (and at scale 2 in the _scale2 run); the list grows with the page.
+    void nothingClippedAtTwoSizes() {
+        for (const QSize& size : {QSize(1500, 950), m_window->minimumSize()}) {
+            m_window->resize(size);
+            for (int tag : {2, 1}) {
+                m_window->mouseClickAction(tag);
+                QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+                serveEventsFor(600);
+                QCOMPARE(m_page->size(), m_window->pageArea()->size());
+                QCOMPARE(m_page->tableView()->horizontalHeader()->length(), m_page->tableView()->viewport()->width());
+                const QStringList clipped = clippedTexts(m_page);
+                QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
+            }
+            const QString sizeName = size == m_window->minimumSize() ? "small" : "large";
+            m_window->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+            QVERIFY(tabTo(m_page->tableView()));
+            press(Qt::Key_Down);
+            QVERIFY(tabTo(m_page->wipeButton()));
+            QVERIFY(saveScreenshot(m_window.get(), "keyboard_wipe_page_focus_" + sizeName));
+        }
+        const QString name = "A volume with a rather long name";
+        WipeFreeSpaceProViewController progress("1 Pass (Zeros)", m_window.get());
+        progress.setRemoveProgress("Erased 99.00% in 3 of 3 passes", 99);
+        progress.setStage(QString("Step 2 of 2: overwriting all the space of \"%1\"").arg(name), false);
+        WipeFailViewController failed(QString("Erasing the free space of \"%1\" was cancelled").arg(name),
+                                      "The operation was canceled by the user.", QString(), true, m_window.get());
+        WipeSuccessViewController done(QString("The free space of \"%1\" has been erased").arg(name),
+                                       "The deleted/lost data on the hard drive has been successfully erased.",
+                                       m_window.get());
+        for (QWidget* panel : std::initializer_list<QWidget*>{&progress, &failed, &done}) {
+            panel->show();
+            const QStringList clipped = clippedTexts(panel);
+            QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
+            panel->hide();
+        }
+    }
+
 private:
-    // Opens "Erase Free Space", chooses the test volume and clicks "Erase Now": the
-    // confirmation shown, or null when a step did not happen.
-    MakeSureWipeFreeSpaceViewController* openFreeSpaceConfirmation() {
-        m_window->mouseClickAction(2);
+    // Opens the tool (1 "Erase Hard Drive", 2 "Erase Free Space"), chooses the test volume
+    // and clicks "Erase Now": the confirmation shown, or null when a step did not happen.
+    MAAttachedWindow* openConfirmation(int tag) {
+        m_window->mouseClickAction(tag);
         if (!waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }))
             return nullptr;
         serveEventsFor(600);
         clickRow(m_page, rowOfDevice(m_page, m_device));
         QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
-        MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
+        MAAttachedWindow* confirm = tag == 1 ? static_cast<MAAttachedWindow*>(m_page->makeSureDiskPanel())
+                                             : static_cast<MAAttachedWindow*>(m_page->makeSureFreeSpacePanel());
         return confirm && confirm->isVisible() ? confirm : nullptr;
     }
 
-    // The results of the free-space wipes of the test volume in the history.
-    static QStringList freeSpaceResults() {
-        QStringList results;
+    // The results the history holds for this tool ("Erase Free Space", "Erase Hard Drive") on the test volume.
+    static QStringList results(const QString& tool) {
+        QStringList found;
         for (const HistoryRows& rows : DoDataBase::returnDoDataBase()->getAllDataWithKey(DoDataBase::kWipeVolume))
             for (const HistoryRow& row : rows)
-                if (row.value("Items") == QString("Erase Free Space:%1").arg(kLabel)) results.append(row.value("Result"));
-        return results;
+                if (row.value("Items") == QString("%1:%2").arg(tool, kLabel)) found.append(row.value("Result"));
+        return found;
     }
 
     TempDataDir m_data;
