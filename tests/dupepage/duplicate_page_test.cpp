@@ -493,6 +493,11 @@ private slots:
         m_window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
         m_page->tabBar()->setFocus(Qt::TabFocusReason);
+        keyboardwalk::press(Qt::Key_Right);  // the arrows switch tabs
+        QCOMPARE(m_page->remberWitchSelect(), 1);
+        screenshot(m_window.get(), "duplicate_focus_tabs");
+        keyboardwalk::press(Qt::Key_Left);
+        QCOMPARE(m_page->remberWitchSelect(), 0);
         QWidget* resultView = m_page->resultView();
         const QList<QWidget*> order = {m_page->selectAllButton(), m_page->outlineView(),
                                        buttonNamed(resultView, "Choose Folder"), buttonNamed(resultView, "Search Again"),

@@ -16,11 +16,13 @@ DuplicateTabBar::DuplicateTabBar(QWidget* parent) : QTabBar(parent) {
     setFocusPolicy(Qt::TabFocus);  // the arrow keys then switch tabs
     setFont(Style::regularFont(13));
     setCursor(Qt::PointingHandCursor);
-    setStyleSheet(QString("QTabBar::tab { background: transparent; color: %1; border: none;"
-                          "  border-bottom: 2px solid transparent; padding: 6px 12px; margin-right: 4px; }"
+    // Every tab keeps a 2-point border on all sides, so the focus ring around the current
+    // one changes no size.
+    setStyleSheet(QString("QTabBar::tab { background: transparent; color: %1; border: 2px solid transparent;"
+                          "  padding: 4px 10px; margin-right: 4px; }"
                           "QTabBar::tab:hover { color: white; }"
-                          "QTabBar::tab:selected { color: white; border-bottom: 2px solid %2; }"
-                          "QTabBar::tab:selected:focus { border: 2px solid %2; border-radius: 6px; }")
+                          "QTabBar::tab:selected { color: white; border-bottom-color: %2; }"
+                          "QTabBar::tab:selected:focus { border-color: %2; border-radius: 6px; }")
                       .arg(Style::rgba(Style::kSecondaryText), Style::rgba(Style::kAccent)));
     addTab("All");
     for (int tab = 1; tab < kTabCount; ++tab)
