@@ -1,5 +1,7 @@
 #include "engine/erase/AdminRights.h"
 
+#include "engine/platform/LogCategories.h"
+
 #ifndef Q_OS_MACOS
 
 #include "engine/erase/PrivilegedHelper.h"
@@ -15,7 +17,7 @@ bool AdminRights::allocAuthorization() {
         auto helper = std::make_unique<PrivilegedHelperClient>();
         int exitStatus = 0;
         if (!helper->start(&exitStatus)) {
-            qWarning(m_messages.copyRights, exitStatus);
+            qCWarning(lcErase, m_messages.copyRights, exitStatus);
             return false;
         }
         m_helper = std::move(helper);
@@ -28,7 +30,7 @@ void AdminRights::freeAuthorization() {
     if (!m_held) return;
     if (m_helper) {
         const int exitStatus = m_helper->stop();
-        if (exitStatus != 0) qWarning(m_messages.free, exitStatus);
+        if (exitStatus != 0) qCWarning(lcErase, m_messages.free, exitStatus);
         m_helper.reset();
     }
     m_held = false;
@@ -49,7 +51,7 @@ bool AdminRights::removeRecursively(const QString& path) {
         // Root already: the same removal the helper would do, without a helper.
         failure = PrivilegedHelper::removeExactly(resolved, *identity);
     }
-    if (!failure.isEmpty()) qWarning("%s", failure.constData());
+    if (!failure.isEmpty()) qCWarning(lcErase, "%s", failure.constData());
     return failure.isEmpty();
 }
 

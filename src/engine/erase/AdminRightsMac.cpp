@@ -1,5 +1,7 @@
 #include "engine/erase/AdminRights.h"
 
+#include "engine/platform/LogCategories.h"
+
 #ifdef Q_OS_MACOS
 
 #include <QDebug>
@@ -28,7 +30,7 @@ bool AdminRights::allocAuthorization() {
     m_held = true;
     OSStatus status = AuthorizationCreate(nullptr, kAuthorizationEmptyEnvironment, kAuthorizationFlagDefaults, &m_authorization);
     if (status != errAuthorizationSuccess) {
-        qWarning(m_messages.createInitial, int(status));
+        qCWarning(lcErase, m_messages.createInitial, int(status));
         freeAuthorization();
         return false;
     }
@@ -36,13 +38,13 @@ bool AdminRights::allocAuthorization() {
     status = copyAdminRight(m_authorization, kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights |
                                                  kAuthorizationFlagPreAuthorize);
     if (status != errAuthorizationSuccess) {
-        qWarning(m_messages.copyRights, int(status));
+        qCWarning(lcErase, m_messages.copyRights, int(status));
         freeAuthorization();
         return false;
     }
     status = AuthorizationMakeExternalForm(m_authorization, &m_externalForm);
     if (status != errAuthorizationSuccess) {
-        qWarning(m_messages.makeExternalForm, int(status));
+        qCWarning(lcErase, m_messages.makeExternalForm, int(status));
         freeAuthorization();
         return false;
     }
@@ -54,14 +56,14 @@ AuthorizationRef AdminRights::copyAuthorization() {
     AuthorizationRef authorization = nullptr;
     OSStatus status = AuthorizationCreateFromExternalForm(&m_externalForm, &authorization);
     if (status != errAuthorizationSuccess) {
-        qWarning(m_messages.createFromExternalForm, int(status));
+        qCWarning(lcErase, m_messages.createFromExternalForm, int(status));
         return authorization;
     }
     status = copyAdminRight(authorization, kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights);
-    if (status != errAuthorizationSuccess) qWarning(m_messages.copyRecreatedRights, int(status));
+    if (status != errAuthorizationSuccess) qCWarning(lcErase, m_messages.copyRecreatedRights, int(status));
     CFDictionaryRef definition = nullptr;
     status = AuthorizationRightGet(kAdminRight, &definition);
-    if (status != errAuthorizationSuccess) qWarning(m_messages.getRights, int(status));
+    if (status != errAuthorizationSuccess) qCWarning(lcErase, m_messages.getRights, int(status));
     if (definition) CFRelease(definition);
     return authorization;
 }
@@ -70,7 +72,7 @@ void AdminRights::freeAuthorization() {
     if (!m_held) return;
     if (m_authorization) {
         const OSStatus status = AuthorizationFree(m_authorization, kAuthorizationFlagDefaults);
-        if (status != errAuthorizationSuccess) qWarning(m_messages.free, int(status));
+        if (status != errAuthorizationSuccess) qCWarning(lcErase, m_messages.free, int(status));
     }
     m_authorization = nullptr;
     m_held = false;

@@ -1,6 +1,7 @@
 #include "engine/erase/AsMDeleteExecutor.h"
 
 #include "engine/erase/FileDeletion.h"
+#include "engine/platform/LogCategories.h"
 
 #include <QDebug>
 #include <QtConcurrent/QtConcurrentRun>
@@ -40,13 +41,13 @@ bool AsMDeleteExecutor::removeTrahFile(const QUrl& url) {
         return true;
     }
     if (!allocAuthorization()) {
-        qWarning("Alloc authorization failed!!!");
+        qCWarning(lcErase, "Alloc authorization failed!!!");
         emit deleteRelatedFileFail(url);
         return false;
     }
     if (!authDeleteAtPath(path)) {
         emit deleteRelatedFileFail(url);
-        qWarning("Clean file by authorization failed: %s", qUtf8Printable(path));
+        qCWarning(lcErase, "Clean file by authorization failed: %s", qUtf8Printable(path));
         return false;
     }
     emit deleteRelatedFile(url);

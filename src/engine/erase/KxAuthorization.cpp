@@ -1,6 +1,7 @@
 #include "engine/erase/KxAuthorization.h"
 
 #include "engine/erase/FileDeletion.h"
+#include "engine/platform/LogCategories.h"
 
 #include <QDebug>
 #include <cerrno>
@@ -48,7 +49,7 @@ bool KxAuthorization::removeItemAtPath(const QString& path) {
 bool KxAuthorization::synFastRemovePath(const QString& path) {
     // The owner's write permission is what removing a folder's contents needs; nothing wider.
     if (!FileDeletion::isDeletableFileAtPath(path) && !FileDeletion::addOwnerWrite(path))
-        qWarning("Set deletable attributed failed: %s", qUtf8Printable(qt_error_string(errno)));
+        qCWarning(lcErase, "Set deletable attributed failed: %s", qUtf8Printable(qt_error_string(errno)));
     if (FileDeletion::removeItemAtPath(path)) return true;
     return removeItemAtPath(path);
 }
@@ -67,7 +68,7 @@ bool KxAuthorization::blessHelperWithLabel(const QString& label, QString* error)
                                                     kAuthorizationFlagPreAuthorize,
                                                 &authorization);
     if (status != errAuthorizationSuccess) {
-        qWarning("Failed to create AuthorizationRef. Error code: %d", int(status));
+        qCWarning(lcErase, "Failed to create AuthorizationRef. Error code: %d", int(status));
         return false;
     }
     CFStringRef jobLabel = label.toCFString();

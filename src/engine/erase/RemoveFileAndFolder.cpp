@@ -4,6 +4,7 @@
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/FileDeletion.h"
 #include "engine/erase/SecureRemoveTask.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/PathStatus.h"
 #include "srm/NoFollowPath.h"
@@ -135,7 +136,7 @@ void RemoveFileAndFolder::runTaskWithPath() {
     if (m_index >= m_allFilesArr.size()) return;
     FileObj file = m_allFilesArr.at(m_index);
     m_itemsInRecord = 0;
-    qInfo("-------::%s", qUtf8Printable(file.url));
+    qCInfo(lcErase, "-------::%s", qUtf8Printable(file.url));
     // What is there now decides, not what was listed; links are never followed.
     struct stat info;
     if (statWithoutFollowing(nativePath(file.url), &info) != 0) {
@@ -169,7 +170,7 @@ void RemoveFileAndFolder::launchSecureRemove(FileObj& file) {
 
     // A forecast taken while the tool runs; the verdict comes when it ends.
     if (!FileDeletion::isDeletableFileAtPath(file.url) || !checkPermissions(file.url)) {
-        qWarning("--没有权限--------%s", qUtf8Printable(file.url));
+        qCWarning(lcErase, "--没有权限--------%s", qUtf8Printable(file.url));
         emit haveFailEraser();
     }
     m_results.append(file);
@@ -211,7 +212,7 @@ void RemoveFileAndFolder::toolEnded(bool exitedNormally, int exitCode) {
     file.failStr = failure.isEmpty() ? "Success" : "Fail";
     file.failReason = failure;
     if (!failure.isEmpty()) {
-        qInfo("erase failed: %s: %s", qUtf8Printable(file.url), qUtf8Printable(failure));
+        qCInfo(lcErase, "erase failed: %s: %s", qUtf8Printable(file.url), qUtf8Printable(failure));
         emit haveFailEraser();
     }
     doneErasing();
@@ -225,9 +226,9 @@ void RemoveFileAndFolder::removeEmptyFile(FileObj& file) {
         return;
     }
     if (failure.isEmpty())
-        qInfo("rm file sec %s", qUtf8Printable(file.url));
+        qCInfo(lcErase, "rm file sec %s", qUtf8Printable(file.url));
     else
-        qWarning("rm file fail %s", qUtf8Printable(file.url));
+        qCWarning(lcErase, "rm file fail %s", qUtf8Printable(file.url));
     finishDirectStep(file, failure);
 }
 

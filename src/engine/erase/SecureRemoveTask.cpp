@@ -1,6 +1,7 @@
 #include "engine/erase/SecureRemoveTask.h"
 
 #include "engine/erase/ImmutableFlag.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
@@ -24,7 +25,7 @@ QProcess* startSecureRemoveTask(QObject* owner, const QString& options, const QS
         task, &QProcess::errorOccurred, owner,
         [tool, onEnd](QProcess::ProcessError error) {
             if (error != QProcess::FailedToStart) return;
-            qWarning("cannot start %s", qUtf8Printable(tool));
+            qCWarning(lcErase, "cannot start %s", qUtf8Printable(tool));
             onEnd(false, -1);
         },
         Qt::QueuedConnection);

@@ -2,6 +2,7 @@
 
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/HistoryKey.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
@@ -25,13 +26,13 @@ sqlite3* openDataBase(const QString& path) {
     sqlite3* database = nullptr;
     if (sqlite3_open(nativePath(path).constData(), &database) != SQLITE_OK) {
         sqlite3_close(database);
-        qWarning("打开数据库失败！");
+        qCWarning(lcHistory, "打开数据库失败！");
         return nullptr;
     }
     // The application and velmora-cli may write at the same moment.
     sqlite3_busy_timeout(database, 5000);
     if (sqlite3_exec(database, kCreateTables, nullptr, nullptr, nullptr) != SQLITE_OK)
-        qWarning("create history tables: %s", sqlite3_errmsg(database));
+        qCWarning(lcHistory, "create history tables: %s", sqlite3_errmsg(database));
     return database;
 }
 
@@ -67,13 +68,14 @@ QString columnText(sqlite3_stmt* statement, int column) {
 // The entry row and the header row that every entry starts with. The failure
 // messages carry no error text, as the history has always logged them.
 void writeEntryAndHeader(sqlite3* database, const QString& key, const QString& type) {
-    if (!execute(database, kInsertEntry, {key, type})) qWarning("update time : %s", "");
-    if (!execute(database, kInsertRow, {"Items", "Erasure Standard", "Result", key})) qWarning("update base: %s", "");
+    if (!execute(database, kInsertEntry, {key, type})) qCWarning(lcHistory, "update time : %s", "");
+    if (!execute(database, kInsertRow, {"Items", "Erasure Standard", "Result", key}))
+        qCWarning(lcHistory, "update base: %s", "");
 }
 
 void writeItemRow(sqlite3* database, const QString& item, const QString& level, const QString& result,
                   const QString& key) {
-    if (!execute(database, kInsertRow, {item, level, result, key})) qWarning("更新数据库表FIELDS出错: %s", "");
+    if (!execute(database, kInsertRow, {item, level, result, key})) qCWarning(lcHistory, "更新数据库表FIELDS出错: %s", "");
 }
 
 }  // namespace
@@ -111,7 +113,7 @@ void DoDataBase::writeWipeVolumesOrFree(const QString& volumeName, const QString
 HistoryDic DoDataBase::getAllData() { return readEntries("select * from TimeBase order by Time desc", {}, true); }
 
 HistoryDic DoDataBase::getAllDataWithKey(const QString& type) {
-    qInfo("------%s", qUtf8Printable(type));
+    qCInfo(lcHistory, "------%s", qUtf8Printable(type));
     return readEntries("select * from (select * from TimeBase order by Time desc) where Type=?", {type}, false);
 }
 
@@ -123,12 +125,12 @@ HistoryDic DoDataBase::readEntries(const char* entryQuery, const QStringList& va
     if (statement) {
         while (sqlite3_step(statement) == SQLITE_ROW) {
             const QString key = columnText(statement, 0);
-            qInfo("-:%s:-", qUtf8Printable(key));
+            qCInfo(lcHistory, "-:%s:-", qUtf8Printable(key));
             dictionary.insert(key, getValueWith(database, key));
             // The whole dictionary is logged after every entry; only format it
             // when someone reads the log.
             if (logDictionary && QLoggingCategory::defaultCategory()->isInfoEnabled())
-                qInfo().nospace().noquote() << "dic:----" << dictionary;
+                qCInfo(lcHistory).nospace().noquote() << "dic:----" << dictionary;
         }
     }
     sqlite3_finalize(statement);
@@ -166,9 +168,9 @@ void DoDataBase::deleteDataWithKey(const QString& key) {
     sqlite3* database = openDataBase(getDataBase());
     if (!database) return;
     if (!execute(database, "delete from TimeBase where Time=?", {key}))
-        qWarning("delete time error: %s", "");
+        qCWarning(lcHistory, "delete time error: %s", "");
     if (!execute(database, "delete from BaseTable where Time=?", {key}))
-        qWarning("delete base error: %s", "");
+        qCWarning(lcHistory, "delete base error: %s", "");
     sqlite3_close(database);
 }
 

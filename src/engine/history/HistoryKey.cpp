@@ -1,5 +1,7 @@
 #include "engine/history/HistoryKey.h"
 
+#include "engine/platform/LogCategories.h"
+
 #include <QLocale>
 #include <QTimeZone>
 #include <unicode/smpdtfmt.h>
@@ -17,7 +19,8 @@ QString format(const QDateTime& when, const QString& localeName) {
     locale.setKeywordValue("numbers", "latn", status);
     icu::SimpleDateFormat formatter(icu::UnicodeString(kPattern), locale, status);
     if (U_FAILURE(status)) {
-        qWarning("history key: no date format for locale %s (%s)", qUtf8Printable(localeName), u_errorName(status));
+        qCWarning(lcHistory,
+                  "history key: no date format for locale %s (%s)", qUtf8Printable(localeName), u_errorName(status));
         return when.toString("yyyy-MM-dd HH-mm-ss");
     }
     // The wall-clock fields are handed over as UTC on both sides, so the result

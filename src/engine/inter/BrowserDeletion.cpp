@@ -3,6 +3,7 @@
 #include "engine/inter/BrowserCatalogue.h"
 #include "engine/inter/BrowserFiles.h"
 #include "engine/inter/ToGetDB.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 
 #include <sys/stat.h>
@@ -90,7 +91,7 @@ private:
         if (!exists(path)) return;
         m_foundAny = true;
         if (BrowserFiles::deleteFileWithPath(path, &failure))
-            qInfo("---%s", qPrintable(displayPath(path)));
+            qCInfo(lcInter, "---%s", qPrintable(displayPath(path)));
         else
             m_failures.append(failure);
     }

@@ -2,6 +2,7 @@
 
 #include "engine/inter/BrowserFiles.h"
 #include "engine/inter/CatalogueResource.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
@@ -51,7 +52,7 @@ int FullDiskAccessAuthorizer::getAuthorization() {
 
 int FullDiskAccessAuthorizer::macStatus() {
     const bool isSandboxed = qEnvironmentVariableIsSet("APP_SANDBOX_CONTAINER_ID");
-    qInfo("isSandboxed : %d", isSandboxed);
+    qCInfo(lcInter, "isSandboxed : %d", isSandboxed);
     QString userHomePath = StandardPaths::homeDir();
     if (isSandboxed) {
         const passwd* account = ::getpwuid(::getuid());
@@ -60,9 +61,10 @@ int FullDiskAccessAuthorizer::macStatus() {
     }
     if (!userHomePath.endsWith('/')) userHomePath += '/';
     const QString path = userHomePath + "Library/Safari";
-    qInfo("userHomePath : %s, path : %s", qPrintable(displayPath(userHomePath)), qPrintable(displayPath(path)));
+    qCInfo(lcInter,
+           "userHomePath : %s, path : %s", qPrintable(displayPath(userHomePath)), qPrintable(displayPath(path)));
     const QStringList paths = BrowserFiles::getAllFileWithPath(path);
-    qInfo("paths : %s", qPrintable(displayPath(paths.join(", "))));
+    qCInfo(lcInter, "paths : %s", qPrintable(displayPath(paths.join(", "))));
     switch (probe(path, &m_unreadableReason)) {
     case Listing::Absent: return 0;
     case Listing::Listable: return 2;

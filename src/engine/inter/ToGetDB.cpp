@@ -1,5 +1,6 @@
 #include "engine/inter/ToGetDB.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 
 #include <sqlite3.h>
@@ -24,7 +25,7 @@ bool ToGetDB::runDeletes(const QString& path, const QStringList& statements) {
     if (sqlite3_open(nativePath(path).constData(), &db) != SQLITE_OK) {
         m_lastError = QString("cannot open the database: %1").arg(sqlite3_errmsg(db));
         sqlite3_close(db);
-        qInfo("打开数据库失败！");
+        qCInfo(lcInter, "打开数据库失败！");
         return false;
     }
     for (qsizetype i = 0; i < statements.size(); ++i) {
@@ -32,7 +33,7 @@ bool ToGetDB::runDeletes(const QString& path, const QStringList& statements) {
         sqlite3_prepare_v2(db, statements[i].toUtf8().constData(), -1, &statement, nullptr);
         if (sqlite3_step(statement) != SQLITE_DONE) {
             if (m_lastError.isEmpty()) m_lastError = QString("%1: %2").arg(statements[i], sqlite3_errmsg(db));
-            qInfo(kStatementLog[i == 0 ? 0 : 1], static_cast<const char*>(nullptr));
+            qCInfo(lcInter, kStatementLog[i == 0 ? 0 : 1], static_cast<const char*>(nullptr));
         }
         sqlite3_finalize(statement);
     }
@@ -45,7 +46,7 @@ int ToGetDB::count(const QString& path, const char* statementText, bool logOpenF
     sqlite3* db = nullptr;
     if (sqlite3_open_v2(nativePath(path).constData(), &db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
         sqlite3_close(db);
-        if (logOpenFailure) qInfo("打开数据库失败！");
+        if (logOpenFailure) qCInfo(lcInter, "打开数据库失败！");
         return 0;
     }
     int result = 0;
@@ -53,7 +54,7 @@ int ToGetDB::count(const QString& path, const char* statementText, bool logOpenF
     sqlite3_prepare_v2(db, statementText, -1, &statement, nullptr);
     if (sqlite3_step(statement) == SQLITE_ROW) {
         result = sqlite3_column_int(statement, 0);
-        qInfo("------%d", result);
+        qCInfo(lcInter, "------%d", result);
     }
     sqlite3_finalize(statement);
     sqlite3_close(db);

@@ -1,5 +1,6 @@
 #include "engine/uninstall/PackageManagerApps.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
@@ -27,7 +28,7 @@ QByteArray toolOutput(const QString& tool, const QStringList& arguments) {
     if (!process.waitForFinished(kListTimeoutMs) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
         process.kill();
         process.waitForFinished(1000);
-        qWarning("%s %s failed", qUtf8Printable(tool), qUtf8Printable(arguments.join(' ')));
+        qCWarning(lcUninstall, "%s %s failed", qUtf8Printable(tool), qUtf8Printable(arguments.join(' ')));
         return {};
     }
     return process.readAllStandardOutput();

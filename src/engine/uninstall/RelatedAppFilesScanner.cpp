@@ -1,5 +1,6 @@
 #include "engine/uninstall/RelatedAppFilesScanner.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/PropertyList.h"
 #include "engine/platform/StandardPaths.h"
@@ -125,7 +126,7 @@ void GetGrowlPaths(AMAppItemList& list, const QString& name) {
 void AddPathIfExists(AMAppItemList& list, const QString& folder, const QString& term) {
     for (const FolderEntry& entry : folderEntries(folder)) {
         if (LeftoverMatch::matchedLength(entry.name, term) < 0) {
-            if (entry.name == "FlashPlayerInstallManager.log") qDebug("Break here!");
+            if (entry.name == "FlashPlayerInstallManager.log") qCDebug(lcUninstall, "Break here!");
             continue;
         }
         const QString path = folder + "/" + entry.name;
@@ -137,7 +138,7 @@ void AddPathIfExists(AMAppItemList& list, const QString& folder, const QString& 
 }
 
 AMAppItemList RelatedAppFilesScanner::relatedFilesToApplicationAtPath(const QString& path, const AMAppItemList& installed) {
-    if (path.isEmpty()) qDebug(".......");
+    if (path.isEmpty()) qCDebug(lcUninstall, ".......");
     return relatedFilesToApplication(*getAppItemWithFilePath(path), installed);
 }
 

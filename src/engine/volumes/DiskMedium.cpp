@@ -1,5 +1,6 @@
 #include "engine/volumes/DiskMedium.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/volumes/DiskInfo.h"
 
 #include <QFile>
@@ -45,7 +46,7 @@ bool isSolidState(const QString& path) {
 #else
     const QString disk = wholeDiskFolderOf(path);
     if (disk.isEmpty()) {
-        qWarning("Error while getting parent service entry");
+        qCWarning(lcVolumes, "Error while getting parent service entry");
         return false;
     }
     return sysfsValue(disk + "/queue/rotational") == "0";

@@ -1,5 +1,6 @@
 #include "engine/volumes/DiskTool.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/PropertyList.h"
 #include "engine/volumes/DiskUtilLine.h"
 #include "engine/volumes/FormatChoices.h"
@@ -168,7 +169,7 @@ void DiskTool::run(Action action, const QString& volumeName, const std::function
 }
 
 void DiskTool::refuse(Action action, const QString& message, const QString& volumeName) {
-    qInfo("%s", qPrintable(message));
+    qCInfo(lcVolumes, "%s", qPrintable(message));
     QMetaObject::invokeMethod(
         this, [this, action, message, volumeName] { emit finished(action, false, message, volumeName); },
         Qt::QueuedConnection);

@@ -1,5 +1,7 @@
 #include "engine/volumes/Ext4Fill.h"
 
+#include "engine/platform/LogCategories.h"
+
 #include <QtGlobal>
 #include <cerrno>
 #include <climits>
@@ -70,7 +72,7 @@ Ext4ReserveRelease::Ext4ReserveRelease(int fd) {
     m_oldValue = readAttribute(attribute);
     if (m_oldValue.isEmpty() || m_oldValue == "0") return;
     if (!writeAttribute(attribute, "0")) {
-        qWarning("cannot release the ext4 reserve (%s): %s", attribute.constData(), std::strerror(errno));
+        qCWarning(lcVolumes, "cannot release the ext4 reserve (%s): %s", attribute.constData(), std::strerror(errno));
         return;
     }
     m_attribute = attribute;
@@ -79,7 +81,7 @@ Ext4ReserveRelease::Ext4ReserveRelease(int fd) {
 Ext4ReserveRelease::~Ext4ReserveRelease() {
     if (m_attribute.isEmpty()) return;
     if (!writeAttribute(m_attribute, m_oldValue))
-        qWarning("cannot restore the ext4 reserve of %s clusters (%s): %s", m_oldValue.constData(),
+        qCWarning(lcVolumes, "cannot restore the ext4 reserve of %s clusters (%s): %s", m_oldValue.constData(),
                  m_attribute.constData(), std::strerror(errno));
 }
 

@@ -1,5 +1,6 @@
 #include "engine/volumes/FileManagerVolumeScan.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/volumes/CommUti.h"
 #include "engine/volumes/DiskInfo.h"
 #include "engine/volumes/DiskMedium.h"
@@ -29,7 +30,7 @@ std::optional<VolumeObj> appearedVolume(const QString& bsdName) {
     if (info.isEmpty()) return std::nullopt;
     const QString name = info.value("VolumeName").toString();
     if (bsdNameForVolumePath(volumeDirectory(name, info.value("MountPoint").toString())).isEmpty()) return std::nullopt;
-    qInfo("---=====%s", qPrintable(info.value("DeviceNode").toString()));
+    qCInfo(lcVolumes, "---=====%s", qPrintable(info.value("DeviceNode").toString()));
     if (!info.contains("VolumeName")) return std::nullopt;
     VolumeObj volume;
     volume.volumeName = name;
@@ -62,13 +63,14 @@ void FileManagerVolumeScan::doGetAllVolume() {
         const qint64 size = storage.bytesTotal();
         const qint64 freeSize = storage.bytesAvailable();
         const QString name = displayNameOf(storage);
-        qInfo("path=%s\nname=%s\nremovable=%d\nwritable=%d\nunmountable=%d\ndescription=%s\ntype=%s, size=%lld\n,freeSize=%lld\n\n",
-              qPrintable(path), qPrintable(name), removable, writable, unmountable, qPrintable(type), qPrintable(type),
-              size, freeSize);
+        qCInfo(lcVolumes,
+               "path=%s\nname=%s\nremovable=%d\nwritable=%d\nunmountable=%d\ndescription=%s\ntype=%s, size=%lld\n,freeSize=%lld\n\n",
+               qPrintable(path), qPrintable(name), removable, writable, unmountable, qPrintable(type), qPrintable(type),
+               size, freeSize);
         if (size == 0 || type == "ntfs") continue;
         for (const VolumeObj& volume : m_allVolumeArr) {
             if (volume.volumeName == name && volume.volumePath == path) {
-                qInfo("%s : return disk : %s", Q_FUNC_INFO, qPrintable(name));
+                qCInfo(lcVolumes, "%s : return disk : %s", Q_FUNC_INFO, qPrintable(name));
                 return;
             }
         }

@@ -1,5 +1,6 @@
 #include "engine/volumes/FormatChoices.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/PropertyList.h"
 #include "engine/platform/StandardPaths.h"
 #include "engine/volumes/DiskUtilLine.h"
@@ -14,7 +15,7 @@ constexpr char kHfsPlus[] = "Journaled HFS+";
 bool diskUtilCanFormat(const QString& personality) {
     const CommandResult result = aepairExecCommand(diskUtilLine({"listFilesystems", "-plist"}));
     if (!result.succeeded()) {
-        qWarning("The disk utility does not list its file systems: %s", qPrintable(result.failure));
+        qCWarning(lcVolumes, "The disk utility does not list its file systems: %s", qPrintable(result.failure));
         return false;
     }
     const QVariantList fileSystems = propertyListFromData(result.output).toList();

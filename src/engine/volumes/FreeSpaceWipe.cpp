@@ -3,6 +3,7 @@
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/StandardPaths.h"
 #include "engine/volumes/Ext4Fill.h"
 #include "engine/volumes/FillFileWriter.h"
@@ -67,7 +68,7 @@ FreeSpaceWipe::WipeStart FreeSpaceWipe::wipeButtonAction() const {
     }
     if (selectEraserType == 2)
         return selectVolumeObj.volumeMountPoint == "/" ? WipeStart::ShowSystemEraser : WipeStart::DoEraserPartiltion;
-    qInfo("no select type");
+    qCInfo(lcVolumes, "no select type");
     return WipeStart::NoSelectType;
 }
 
@@ -102,13 +103,13 @@ void FreeSpaceWipe::runPasses(qint64 fillCount, qint64 remainder, int passes, fl
         m_times = 0;
         QString problem;
         if (!FillFolder::isVolumeRoot(mountPoint, device, &problem)) {
-            qWarning("Create finder fail: %s", qPrintable(problem));
+            qCWarning(lcVolumes, "Create finder fail: %s", qPrintable(problem));
             recordFailure(kFolderFailText, problem);
             break;
         }
         FillFolder folder(mountPoint, device);
         if (!folder.isOpen()) {
-            qWarning("Create finder fail: %s", qPrintable(folder.problem()));
+            qCWarning(lcVolumes, "Create finder fail: %s", qPrintable(folder.problem()));
             recordFailure(kFolderFailText, folder.problem());
             break;
         }
@@ -157,7 +158,7 @@ bool FreeSpaceWipe::roundOneWithRoundCount(qint64 fillCount, int passes, float s
 bool FreeSpaceWipe::createDydFile(const FillFolder& folder, int index) {
     const QByteArray name = fillFileName(index);
     const int created = createFileWithContents(folder.descriptor(), name, QByteArray(kBlock, '\0'));
-    qInfo(created == 0 ? "C Suss" : "C Fail");
+    qCInfo(lcVolumes, created == 0 ? "C Suss" : "C Fail");
     if (created != 0) return isVolumeFull(created, folder.descriptor()) || failWrite(name, created);
     FillFileWriter handle(folder.descriptor(), name);
     if (!handle.isOpen()) return failWrite(name, handle.error());
@@ -168,7 +169,7 @@ bool FreeSpaceWipe::createDydFile(const FillFolder& folder, int index) {
         if (!written || !handle.writeData(zeroBlock(), kBlock)) break;
     }
     if (handle.close()) return true;
-    qInfo("This is a error");
+    qCInfo(lcVolumes, "This is a error");
     return isVolumeFull(handle.error(), folder.descriptor()) || failWrite(name, handle.error());
 }
 
@@ -185,7 +186,7 @@ bool FreeSpaceWipe::writLostDataWithLoseCount(qint64 remainder, qint64 fillCount
         return isVolumeFull(created, folderFd) || failWrite(name, created);
     FillFileWriter handle(folderFd, name);
     if (!handle.isOpen()) {
-        qWarning("file open fail");
+        qCWarning(lcVolumes, "file open fail");
         recordFailure(belowOneBlock ? "You don\u2019t have the 'read' and 'write' permissions for the files."
                              : "You don't have the 'read' and 'write' permissions for the files.");
         return false;
@@ -208,7 +209,7 @@ bool FreeSpaceWipe::writLostDataWithLoseCount(qint64 remainder, qint64 fillCount
         }
     }
     if (handle.close()) return true;
-    qInfo("NO FACE");
+    qCInfo(lcVolumes, "NO FACE");
     return isVolumeFull(handle.error(), folderFd) || failWrite(name, handle.error());
 }
 
@@ -227,7 +228,8 @@ bool FreeSpaceWipe::fillUntilFull(const FillFolder& folder, qint64 index) {
     const bool flushed = handle.close() || isVolumeFull(handle.error(), folderFd);
     if (m_isCancelEraser) return false;
     if (!checkpointExt4Journal(folderFd))
-        qWarning("the journal could not be written out; blocks it held may keep old data: %s", std::strerror(errno));
+        qCWarning(lcVolumes,
+                  "the journal could not be written out; blocks it held may keep old data: %s", std::strerror(errno));
     return (full && flushed) || failWrite(name, handle.error());
 }
 
@@ -277,7 +279,7 @@ void FreeSpaceWipe::endAppRemoveFolder() {
     m_worker.waitForFinished();
     QString problem;
     if (!m_runMountPoint.isEmpty() && !FillFolder::removeLeftover(m_runMountPoint, m_runDevice, &problem))
-        qInfo("fill folder left: %s", qPrintable(problem));
+        qCInfo(lcVolumes, "fill folder left: %s", qPrintable(problem));
 }
 
 int FreeSpaceWipe::getEraserTimes() { return EraserLevel::clamped(); }
@@ -307,7 +309,7 @@ void FreeSpaceWipe::resetRounds() { m_iRoundTimes = 0; }
 
 void FreeSpaceWipe::recordFailure(const QString& text, const QString& detail) {
     if (m_failed.exchange(true)) {
-        qInfo("%s", qPrintable(text));
+        qCInfo(lcVolumes, "%s", qPrintable(text));
         return;
     }
     QMetaObject::invokeMethod(this, [this, text, detail] {

@@ -1,5 +1,6 @@
 #include "gui/erase/AddFilesPanel.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/PathStatus.h"
 #include "engine/platform/StandardPaths.h"
@@ -39,7 +40,7 @@ bool AddFilesPanel::isInAdministratorHome(const QString& folder) {
 
 QString AddFilesPanel::userFolderForAdministratorFolder(const QString& folder, const QString& userName) {
     const QString rest = folder.mid(administratorHome().size());
-    qInfo("newSavePath====:%s", qUtf8Printable(rest));
+    qCInfo(lcErase, "newSavePath====:%s", qUtf8Printable(rest));
     for (const char* known : {"/Desktop", "/Downloads", "/Documents"}) {
         if (rest.startsWith(known)) {
             const char* homes = StandardPaths::layout() == StandardPaths::Layout::MacOS ? "/Users/%1%2" : "/home/%1%2";

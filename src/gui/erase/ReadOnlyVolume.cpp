@@ -1,5 +1,6 @@
 #include "gui/erase/ReadOnlyVolume.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 
 #include <QDir>
@@ -36,7 +37,7 @@ bool contains(const QString& path) {
     while (hasNonTextBytes(lookedUp) && lookedUp.lastIndexOf('/') > 0) lookedUp.truncate(lookedUp.lastIndexOf('/'));
     const QStorageInfo volume(hasNonTextBytes(lookedUp) ? QString("/") : lookedUp);
     const QString type = QString::fromUtf8(volume.fileSystemType());
-    qInfo("Result:%i Volume: %s, Removable:%i, W:%i, Unmountable:%i, Desc:%s, type:%s", volume.isValid(),
+    qCInfo(lcErase, "Result:%i Volume: %s, Removable:%i, W:%i, Unmountable:%i, Desc:%s, type:%s", volume.isValid(),
           qUtf8Printable(volume.rootPath()), isRemovableDevice(QString::fromUtf8(volume.device())),
           volume.isValid() && !volume.isReadOnly(), volume.isValid() && !volume.isRoot(),
           qUtf8Printable(volume.displayName()), qUtf8Printable(type));
