@@ -385,12 +385,12 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(m_page->failPanel(), 60000);
         QVERIFY(!m_page->successPanel());
         QVERIFY(m_page->failPanel()->failNode()->isVisibleTo(m_page->failPanel()));
-        // The tool was stopped inside the folder: it stays, recorded as failed, and leaves the list.
+        // The tool was stopped inside the folder: it stays, recorded as cancelled, and stays listed.
         QVERIFY(QFileInfo::exists(folder));
         QCOMPARE(m_page->deleteErrorArr().size(), 1);
-        QCOMPARE(m_page->deleteErrorArr().first().failStr, QString("Failed"));
-        QVERIFY(m_page->valueArr().isEmpty());
-        QVERIFY(m_page->addView()->isVisible());
+        QCOMPARE(m_page->deleteErrorArr().first().failStr, QString("Cancelled"));
+        QCOMPARE(m_page->valueArr().size(), 1);
+        QVERIFY(m_page->listView()->isVisible());
         QCOMPARE(DoDataBase::returnDoDataBase()->getAllData().size(), 1);
         for (SidebarButton* button : m_window->allTypeButArr()) QVERIFY(button->isEnabled());
         saveScreenshotWith(m_window.get(), m_page->failPanel(), "erase_files_cancelled");    }

@@ -24,22 +24,31 @@ ErasureResultList::ErasureResultList(const FileObjList& results, QWidget* parent
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(0, QHeaderView::Stretch);
     header()->setSectionResizeMode(1, QHeaderView::Fixed);
-    header()->resizeSection(1, 70);
+    // The result column fits its longest word in the bold face; results are never cut.
+    const QFontMetrics resultMetrics(Style::boldFont(11));
+    int resultWidth = 0;
+    for (const char* result : {"Erased", "Failed", "Cancelled"})
+        resultWidth = qMax(resultWidth, resultMetrics.horizontalAdvance(result));
+    header()->resizeSection(1, resultWidth + 16);
     for (const FileObj& record : results) {
         auto* row = new QTreeWidgetItem(this, {displayPath(record.url), record.failStr});
         row->setToolTip(0, displayPath(record.url));
         row->setFont(0, Style::regularFont(11));
         row->setFont(1, Style::boldFont(11));
         row->setForeground(0, Style::kSecondaryText);
-        row->setForeground(1, record.failStr == "Erased" ? QColor(0x2F, 0xB3, 0x7C) : QColor(0xE0, 0x56, 0x5B));
+        const bool erased = record.failStr == "Erased";
+        const QColor warning(0xE8, 0xA9, 0x3A);
+        row->setForeground(1, erased                             ? QColor(0x2F, 0xB3, 0x7C)
+                              : record.failStr == "Cancelled" ? warning
+                                                              : QColor(0xE0, 0x56, 0x5B));
         if (record.failReason.isEmpty()) continue;
-        // Why the item failed, on a line of its own under it.
+        // Why the item was not erased (or how it was), on a line of its own under it.
         auto* reason = new QTreeWidgetItem(row);
         reason->setData(0, Qt::UserRole, displayPath(record.failReason));
         reason->setFirstColumnSpanned(true);
         reason->setToolTip(0, displayPath(record.failReason));
         reason->setFont(0, Style::regularFont(10));
-        reason->setForeground(0, QColor(0xE8, 0xA9, 0x3A));
+        reason->setForeground(0, erased ? Style::kSecondaryText : warning);
         row->setExpanded(true);
         m_reasons.append(reason);
     }

@@ -6,6 +6,7 @@
 #include "gui/widgets/Style.h"
 
 #include <QLabel>
+#include <algorithm>
 #include <QVBoxLayout>
 
 namespace velmora {
@@ -16,9 +17,15 @@ FileEraserFailViewController::FileEraserFailViewController(const FileObjList& re
       m_failNode(Style::label("The erasure was cancelled. Items it had not reached yet were left as they were.", 12)),
       m_okButton(ImageSetButton::primary("OK", this)) {
     setAttribute(Qt::WA_DeleteOnClose);
-    QVBoxLayout* layout = PanelContent::addMessage(
-        this, "ic_fail", "Not every item was erased",
-        "Items marked Failed were not erased completely; the reason is shown under each.");
+    // The headline follows the rows: a failure only when a row failed.
+    const bool anyFailed = std::any_of(results.cbegin(), results.cend(),
+                                       [](const FileObj& record) { return record.failStr == "Failed"; });
+    QVBoxLayout* layout =
+        anyFailed ? PanelContent::addMessage(
+                        this, "ic_fail", "Not every item was erased",
+                        "Items marked Failed were not erased completely; the reason is shown under each.")
+                  : PanelContent::addMessage(this, "ic_warning", "Erasure cancelled",
+                                             "Items marked Cancelled are still there and stay in the list.");
     m_failNode->setObjectName("failNode");
     m_failNode->setWordWrap(true);
     m_failNode->setStyleSheet("color: #E8A93A; background: transparent;");
@@ -27,6 +34,7 @@ FileEraserFailViewController::FileEraserFailViewController(const FileObjList& re
     layout->addWidget(new ErasureResultList(results, this), 1);
     PanelContent::addButtons(layout, {m_okButton});
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
+    setCancelButton(m_okButton);
 }
 
 }  // namespace velmora

@@ -62,6 +62,7 @@ FileEraserProgressViewController::FileEraserProgressViewController(const QString
         m_cancelButton->setEnabled(false);
         emit cancelEraserButtonAction();
     });
+    setCancelButton(m_cancelButton);
     setRemoveProgress(2.0, QString(), QString());
 }
 

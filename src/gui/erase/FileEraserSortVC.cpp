@@ -83,10 +83,12 @@ void FileEraserSortVC::popUpBelow(const QPoint& globalTopRight) {
 
 void FileEraserSortVC::buttonAction(const QString& identifier) {
     const int choice = identifier.toInt();
-    if (choice <= 2)
+    if (choice <= 2) {
         m_sortType = choice;
-    else
+    } else {
         m_sortAD = choice == 3 ? 0 : 1;
+        if (m_sortType < 0) m_sortType = 0;  // a direction alone sorts by name
+    }
     highlightCurrentChoice();
     emit selectSortbyType(m_sortType, m_sortAD);
 }
@@ -94,7 +96,8 @@ void FileEraserSortVC::buttonAction(const QString& identifier) {
 void FileEraserSortVC::highlightCurrentChoice() {
     for (auto it = m_items.cbegin(); it != m_items.cend(); ++it) {
         const int choice = it.key().toInt();
-        it.value()->setChecked(choice <= 2 ? choice == m_sortType : (choice == 3) == (m_sortAD == 0));
+        // An unsorted list (insertion order) shows no tick at all.
+        it.value()->setChecked(choice <= 2 ? choice == m_sortType : m_sortType >= 0 && (choice == 3) == (m_sortAD == 0));
     }
 }
 

@@ -9,8 +9,9 @@ namespace velmora {
 
 // The sort menu of the file eraser: three keys ("0" name, "1" size, "2"
 // space used) and two directions ("3" ascending, "4" descending). The chosen
-// key and direction are shown white with a tick, the others dimmed. Every
-// click reports the current pair.
+// key and direction are shown white with a tick, the others dimmed; sort type
+// -1 is the list's own order, with nothing ticked. Every click reports the
+// current pair.
 class FileEraserSortVC : public QWidget {
     Q_OBJECT
 public:

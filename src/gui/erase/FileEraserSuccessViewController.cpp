@@ -26,6 +26,7 @@ FileEraserSuccessViewController::FileEraserSuccessViewController(const FileObjLi
     layout->addWidget(new ErasureResultList(results, this), 1);
     PanelContent::addButtons(layout, {m_okButton});
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
+    setCancelButton(m_okButton);
 }
 
 }  // namespace velmora

@@ -4,10 +4,11 @@
 #include "engine/erase/PublicUtilities.h"
 #include "engine/erase/RemoveFileAndFolder.h"
 #include "engine/history/DoDataBase.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/PathStatus.h"
-#include "engine/platform/StandardPaths.h"
 #include "engine/platform/SteadyWiperBase.h"
+#include "engine/platform/UserDefaults.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/erase/AddFilesPanel.h"
 #include "gui/erase/DragOneFileView.h"
@@ -22,23 +23,24 @@
 #include "gui/erase/NoticeViewController.h"
 #include "gui/erase/ReadOnlyVolume.h"
 #include "gui/erase/SetEraserLevelVC.h"
-#include "gui/widgets/SvgImageView.h"
 #include "gui/history/HistoryViewController.h"
-#include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/FileUrls.h"
+#include "gui/widgets/DesktopOpen.h"
+#include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/ListTable.h"
 #include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/Style.h"
+#include "gui/widgets/SvgImageView.h"
 
-#include <QDesktopServices>
+#include <QAction>
 #include <QDir>
 #include <QFutureWatcher>
 #include <QGridLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
-#include <QProcess>
 #include <QPropertyAnimation>
 #include <QTableView>
 #include <QTimer>
@@ -52,7 +54,8 @@ namespace velmora {
 namespace {
 
 constexpr int kContentTop = 100;
-constexpr int kListHiddenX = 730;
+// Set when a run added to the history, cleared when the history panel is opened.
+const QString kUnseenHistoryKey = "FileHistoryUnseen";
 constexpr int kSlideMs = 500;
 
 // The size of the item itself: a link counts as the link, not its target.
@@ -84,6 +87,7 @@ FileEraserViewController::FileEraserViewController(MainWindowController* superDe
     createHeader();
     createAddView();
     createListView();
+    addShortcuts();
     m_levelPanel = new SlidePanel(this);
     m_historyPanel = new SlidePanel(this);
     m_eraserTimer->setInterval(1000);
@@ -94,29 +98,108 @@ FileEraserViewController::FileEraserViewController(MainWindowController* superDe
 }
 
 void FileEraserViewController::createHeader() {
-    QLabel* title = Style::label("Erase Files", 22, false, true);
-    title->setParent(this);
-    title->setGeometry(40, 28, 400, 34);
-    QLabel* subtitle = Style::label("Overwrite files and folders so that no tool can bring them back.", 12, true);
-    subtitle->setParent(this);
-    subtitle->setGeometry(40, 62, 520, 20);
+    m_titleLabel = Style::label("Erase Files", 22, false, true);
+    m_titleLabel->setParent(this);
+    m_subtitleLabel = Style::label("Overwrite files and folders so that no tool can bring them back.", 12, true);
+    m_subtitleLabel->setParent(this);
 
     m_sortButton = headerButton("ic_sort", "Sort", this);
-    m_sortButton->move(640, 36);
     connect(m_sortButton, &ImageToggle::clicked, this, &FileEraserViewController::sortButtonAction);
-    auto* settings = headerButton("ic_setting", "Erasure level", this);
-    settings->move(680, 36);
-    connect(settings, &ImageToggle::clicked, this, &FileEraserViewController::setButtonAction);
+    m_settingsButton = headerButton("ic_setting", "Erasure level", this);
+    connect(m_settingsButton, &ImageToggle::clicked, this, &FileEraserViewController::setButtonAction);
     m_historyButton = headerButton("ic_nohistory", "Erasure history", this);
-    m_historyButton->move(720, 36);
     connect(m_historyButton, &ImageToggle::clicked, this, &FileEraserViewController::historyButtonAction);
+}
+
+void FileEraserViewController::addShortcuts() {
+    auto* addFiles = new QAction("Add Files…", this);
+    addFiles->setShortcut(QKeySequence::Open);
+    addFiles->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(addFiles, &QAction::triggered, this, [this] {
+        if (isVisible() && !m_levelPanel->isShown() && !m_historyPanel->isShown()) selectFileButtonAction();
+    });
+    addAction(addFiles);
+
+    // Space ticks the current row, Delete takes the selected rows off the list.
+    m_tableView->installEventFilter(this);
+    m_tableView->viewport()->installEventFilter(this);
+}
+
+bool FileEraserViewController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_tableView->viewport() && event->type() == QEvent::Resize) fitColumns();
+    if (watched == m_tableView && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Space && m_tableView->currentIndex().isValid()) {
+            selectListButton(m_tableView->currentIndex().row());
+            return true;
+        }
+        if (key->matches(QKeySequence::Delete) || key->key() == Qt::Key_Backspace) {
+            removeSelectedRows();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void FileEraserViewController::removeSelectedRows() {
+    QList<int> rows;
+    for (const QModelIndex& index : m_tableView->selectionModel()->selectedRows()) rows.append(index.row());
+    if (rows.isEmpty()) return;
+    std::sort(rows.begin(), rows.end(), std::greater<int>());
+    for (int row : std::as_const(rows))
+        if (row < m_valueArr.size()) m_valueArr.removeAt(row);
+    ++m_listRevision;
+    if (m_valueArr.isEmpty()) {
+        emptyListButtonAction();
+        return;
+    }
+    reloadData();
+    returnSelectAllState();
+    const int next = qMin(rows.last(), int(m_valueArr.size()) - 1);
+    m_tableView->setCurrentIndex(m_model->index(next, FileEraserTableModel::Name));
+}
+
+// The page is laid out from its own rect, so it grows with the window.
+void FileEraserViewController::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const int right = width() - 24;
+    m_titleLabel->setGeometry(40, 28, right - 40 - 130, 34);
+    m_subtitleLabel->setGeometry(40, 62, right - 40, 20);
+    m_historyButton->move(right - m_historyButton->width() - 14, 36);
+    m_settingsButton->move(m_historyButton->x() - 40, 36);
+    m_sortButton->move(m_settingsButton->x() - 40, 36);
+
+    m_addView->setGeometry(0, kContentTop, width(), height() - kContentTop);
+    const QSize drop(qMax(560, width() - 224), qMax(280, m_addView->height() - 220));
+    m_dragView->setGeometry((width() - drop.width()) / 2, 50, drop.width(), drop.height());
+    m_hintLabel->setGeometry(0, m_dragView->geometry().bottom() + 20, width(), 20);
+
+    const bool listShown = m_listView->isVisible() && m_listView->x() == 0;
+    m_listView->setGeometry(listShown ? 0 : listHiddenX(), kContentTop - 4, width(), height() - kContentTop + 4);
+}
+
+int FileEraserViewController::listHiddenX() const { return width() - kListPeek; }
+
+// Fixed columns keep their widths (the size column fits its widest text); the name and
+// path columns share what the table has beyond them.
+void FileEraserViewController::fitColumns() {
+    QHeaderView* header = m_tableView->horizontalHeader();
+    const int sizeWidth = qMax(FileEraserTableModel::columnWidth(FileEraserTableModel::Size),
+                               QFontMetrics(Style::regularFont(13)).horizontalAdvance("999.99 byte") + 16);
+    header->resizeSection(FileEraserTableModel::Size, sizeWidth);
+    int fixed = sizeWidth;
+    for (int column : {int(FileEraserTableModel::CheckBox), int(FileEraserTableModel::Type),
+                       int(FileEraserTableModel::Search)})
+        fixed += FileEraserTableModel::columnWidth(column);
+    const int shared = qMax(0, m_tableView->viewport()->width() - fixed);
+    const int name = qMax(FileEraserTableModel::columnWidth(FileEraserTableModel::Name), shared * 2 / 5);
+    header->resizeSection(FileEraserTableModel::Name, name);
+    header->resizeSection(FileEraserTableModel::Path, qMax(80, shared - name));
 }
 
 void FileEraserViewController::createAddView() {
     m_addView = new QWidget(this);
-    m_addView->setGeometry(0, kContentTop, width(), height() - kContentTop);
     m_dragView = new DragView(m_addView);
-    m_dragView->setGeometry(112, 50, 560, 280);
     connect(m_dragView, &DragView::viewDragAction, this, &FileEraserViewController::viewDragAction);
 
     auto* layout = new QVBoxLayout(m_dragView);
@@ -133,27 +216,29 @@ void FileEraserViewController::createAddView() {
     layout->addWidget(add, 0, Qt::AlignHCenter);
     layout->addStretch(1);
 
-    QLabel* hint = Style::label("Nothing is erased before you confirm. Erased data cannot be recovered.", 11, true);
-    hint->setParent(m_addView);
-    hint->setAlignment(Qt::AlignCenter);
-    hint->setGeometry(0, 350, width(), 20);
+    m_hintLabel = Style::label("Nothing is erased before you confirm. Erased data cannot be recovered.", 11, true);
+    m_hintLabel->setParent(m_addView);
+    m_hintLabel->setAlignment(Qt::AlignCenter);
 }
 
 void FileEraserViewController::createListView() {
     m_listView = new DragOneFileView(this);
-    m_listView->setGeometry(0, kContentTop - 4, width(), height() - kContentTop + 4);
     connect(m_listView, &DragOneFileView::viewDragAction, this, &FileEraserViewController::viewDragAction);
 
     m_tableView = new QTableView(m_listView);
     m_tableView->setModel(m_model);
     m_tableView->setItemDelegate(new FileEraserTableDelegate(m_tableView));
     m_tableView->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_tableView->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_tableView->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_tableView->setContextMenuPolicy(Qt::CustomContextMenu);
     QList<int> columnWidths;
     for (int column = 0; column < FileEraserTableModel::ColumnCount; ++column)
         columnWidths.append(FileEraserTableModel::columnWidth(column));
     applyListTableLook(m_tableView, 36, columnWidths);
+    makeListTableFocusable(m_tableView);
+    // Tab leaves the list (the arrow keys move in it); the tick-all box in its header is a stop of its own.
+    m_tableView->setTabKeyNavigation(false);
+    m_tableView->horizontalHeader()->setTabKeyNavigation(false);
     QHeaderView* header = m_tableView->horizontalHeader();
     connect(m_tableView, &QTableView::clicked, this, [this](const QModelIndex& index) {
         if (index.column() == FileEraserTableModel::CheckBox) selectListButton(index.row());
@@ -162,7 +247,7 @@ void FileEraserViewController::createListView() {
     connect(m_tableView, &QWidget::customContextMenuRequested, this, &FileEraserViewController::listRightMouseDown);
 
     m_selectAllButton = new ImageToggle("checkbox_no", header->viewport());
-    m_selectAllButton->setToolTip("Select all");
+    m_selectAllButton->setToolTip("Tick all");
     m_selectAllButton->move((FileEraserTableModel::columnWidth(0) - m_selectAllButton->width()) / 2,
                             (header->height() - m_selectAllButton->height()) / 2);
     connect(m_selectAllButton, &ImageToggle::clicked, this, &FileEraserViewController::setAllSelectOrNoSelect);
@@ -192,6 +277,7 @@ void FileEraserViewController::createListView() {
     bottom->addWidget(m_eraserFileButton, 0, 2, Qt::AlignRight);
     for (int column = 0; column < 3; ++column) bottom->setColumnStretch(column, 1);
     layout->addLayout(bottom);
+    setTabOrder(m_selectAllButton, m_tableView);
 }
 
 QWidget* FileEraserViewController::addView() const { return m_addView; }
@@ -221,11 +307,11 @@ void FileEraserViewController::selectFileButtonAction() {
 void FileEraserViewController::panelDidChangeToDirectory(QWidget* panel, const QString& folder) {
     if (m_reopenPending || !AddFilesPanel::isInAdministratorHome(folder)) return;
     const QString userName = SteadyWiperBase::stringValue("USERNAME");
-    qInfo("userName====:%s", qUtf8Printable(userName));
-    qInfo("userSelectSavePath====:%s", qUtf8Printable(folder));
+    qCInfo(lcErase, "userName====:%s", qUtf8Printable(userName));
+    qCInfo(lcErase, "userSelectSavePath====:%s", qUtf8Printable(folder));
     panel->close();
     m_newPathStr = AddFilesPanel::userFolderForAdministratorFolder(folder, userName);
-    qInfo("lastSavePath====:%s", qUtf8Printable(m_newPathStr));
+    qCInfo(lcErase, "lastSavePath====:%s", qUtf8Printable(m_newPathStr));
     m_reopenPending = true;
     QTimer::singleShot(300, this, &FileEraserViewController::selectFileButtonAction);
     QTimer::singleShot(1500, this, [this] { m_reopenPending = false; });
@@ -252,6 +338,8 @@ void FileEraserViewController::addSelectedPaths(const QStringList& paths) {
     }
     if (m_valueArr.isEmpty()) return;
     reloadData();
+    // A sorted list stays sorted, so that the sort menu's tick stays true.
+    if (m_sortType >= 0) startSorting();
     updateHistoryButton();
     showListView();
     returnSelectAllState();
@@ -287,7 +375,7 @@ void FileEraserViewController::emptyListButtonAction() {
     m_sortButton->hide();
     auto* slide = new QPropertyAnimation(m_listView, "pos", m_listView);
     slide->setDuration(kSlideMs);
-    slide->setEndValue(QPoint(kListHiddenX, m_listView->y()));
+    slide->setEndValue(QPoint(listHiddenX(), m_listView->y()));
     connect(slide, &QPropertyAnimation::finished, m_listView, [this] {
         // Something may have been added while the list slid away.
         if (m_valueArr.isEmpty()) m_listView->hide();
@@ -309,16 +397,19 @@ void FileEraserViewController::showNotice(const QString& title, const QString& m
 
 void FileEraserViewController::reloadData() { m_model->reloadData(m_valueArr); }
 
+// The dot of "ic_history" marks runs the user has not looked at yet; once the
+// history was opened the button shows the same clock without it.
 void FileEraserViewController::updateHistoryButton() {
     const bool hasHistory = PublicUtilities::getUpDataHistoryStr(DoDataBase::kWipeFileHistory).toInt() != 0;
-    m_historyButton->setImageName(hasHistory ? "ic_history" : "ic_nohistory");
+    const bool unseen = UserDefaults::integerForKey(kUnseenHistoryKey) != 0;
+    m_historyButton->setImageName(!hasHistory ? "ic_nohistory" : unseen ? "ic_history" : "ic_history_seen");
 }
 
 void FileEraserViewController::showListView() {
     m_addView->hide();
     m_sortButton->show();
     if (m_listView->isVisible() && m_listView->x() == 0) return;
-    m_listView->move(kListHiddenX, m_listView->y());
+    m_listView->move(listHiddenX(), m_listView->y());
     m_listView->show();
     auto* slide = new QPropertyAnimation(m_listView, "pos", m_listView);
     slide->setDuration(kSlideMs);
@@ -331,7 +422,7 @@ void FileEraserViewController::showMainView() {
     const bool hasItems = !m_valueArr.isEmpty();
     m_addView->setVisible(!hasItems);
     m_sortButton->setVisible(hasItems);
-    m_listView->move(hasItems ? 0 : kListHiddenX, m_listView->y());
+    m_listView->move(hasItems ? 0 : listHiddenX(), m_listView->y());
     m_listView->setVisible(hasItems);
 }
 
@@ -391,6 +482,7 @@ void FileEraserViewController::selectSortbyType(int sortType, int sortAD) {
 
 FileObjList FileEraserViewController::sortedRecords(FileObjList records, int sortType, int sortAD) {
     const bool ascending = sortAD == 0;
+    if (sortType < 0) return records;
     if (sortType == 0) {
         std::stable_sort(records.begin(), records.end(), [ascending](const FileObj& a, const FileObj& b) {
             return ascending ? a.name < b.name : b.name < a.name;
@@ -436,19 +528,23 @@ void FileEraserViewController::listRightMouseDown(const QPoint& viewportPosition
 void FileEraserViewController::openFileButton(int row) {
     if (row < 0 || row >= m_valueArr.size()) return;
     const QString path = m_valueArr.at(row).url;
-    if (!QDesktopServices::openUrl(fileUrl(path))) showNotice("Cannot open file", displayPath(path));
+    DesktopOpen::openUrl(this, fileUrl(path), [this, path] {
+        showNotice("Cannot open file", "No application answered for " + displayPath(path));
+    });
 }
 
 void FileEraserViewController::revealInFolder(int row) {
     if (row < 0 || row >= m_valueArr.size()) return;
     const QString path = m_valueArr.at(row).url;
-    bool shown = false;
     const QString folder = path.left(qMax<qsizetype>(path.lastIndexOf('/'), 1));
-    if (StandardPaths::layout() == StandardPaths::Layout::MacOS && itemExists("/usr/bin/open"))
-        shown = QProcess::startDetached("/usr/bin/open", {"-R", path});
-    else
-        shown = itemExists(folder) && QDesktopServices::openUrl(fileUrl(folder));
-    if (!shown) showNotice("Cannot open Folder", displayPath(path));
+    const auto notShown = [this, path] {
+        showNotice("Cannot open Folder", "No file manager answered for " + displayPath(path));
+    };
+    if (!itemExists(folder)) {
+        notShown();
+        return;
+    }
+    DesktopOpen::reveal(this, path, fileUrl(folder), notShown);
 }
 
 // ---- Side panels -----------------------------------------------------------
@@ -456,6 +552,8 @@ void FileEraserViewController::revealInFolder(int row) {
 void FileEraserViewController::setButtonAction() { SetEraserLevelVC::showIn(m_levelPanel); }
 
 void FileEraserViewController::historyButtonAction() {
+    UserDefaults::setInteger(kUnseenHistoryKey, 0);
+    updateHistoryButton();
     HistoryViewController* history = HistoryViewController::showIn(m_historyPanel);
     connect(history, &HistoryViewController::closeHistoryView, this, &FileEraserViewController::closeHistoryView);
 }
@@ -537,12 +635,12 @@ void FileEraserViewController::cancelShred() {
 void FileEraserViewController::removeObjEnd(const FileObjList& results) {
     if (m_progressPanel) m_progressPanel->close();
     m_eraserTimer->stop();
-    if (m_superDelegate) m_superDelegate->canChangeType(true);
 
     // Erased only when the engine erased the item (the tool succeeded) and nothing is
     // left at its path. The results follow the ticked records in order; records the
     // run did not reach (cancelled) have none.
     FileObjList remaining;
+    QStringList erasedFolders;
     qsizetype next = 0;
     for (FileObj record : std::as_const(m_valueArr)) {
         if (!record.isSelect) {
@@ -551,16 +649,33 @@ void FileEraserViewController::removeObjEnd(const FileObjList& results) {
         }
         const FileObj* outcome = next < results.size() ? &results.at(next) : nullptr;
         ++next;
-        const bool erased = outcome && outcome->failStr == "Success" && !itemExists(record.url);
-        record.failStr = erased ? "Erased" : "Failed";
-        if (!erased)
+        record.failReason.clear();
+        const QString folder = erasedFolderHolding(record.url, erasedFolders);
+        if (outcome && outcome->failStr == "Success" && !itemExists(record.url)) {
+            record.failStr = "Erased";
+            if (record.isDir) erasedFolders.append(record.url);
+        } else if (!folder.isEmpty() && !itemExists(record.url)) {
+            // An earlier item of this run, its folder, took it along.
+            record.failStr = "Erased";
+            record.failReason = "erased with its folder " + displayPath(folder);
+        } else if (m_isCancel && (!outcome || itemExists(record.url))) {
+            // Not reached, or stopped while the tool was at it: still there, still listed.
+            record.failStr = "Cancelled";
+            record.failReason = outcome ? "stopped before it was done; parts of it may already be overwritten"
+                                        : "the erase was cancelled before it reached it";
+            remaining.append(record);
+        } else {
+            record.failStr = "Failed";
             record.failReason = outcome && !outcome->failReason.isEmpty() ? outcome->failReason
                                 : outcome ? "it is still there" : "the erase did not reach it";
-        if (!erased) m_isFailedEraser = true;
+        }
         m_deleteErrorArr.append(record);
     }
+    // The rows decide the headline, not the forecasts the engine made on the way.
+    m_isFailedEraser = std::any_of(m_deleteErrorArr.cbegin(), m_deleteErrorArr.cend(),
+                                   [](const FileObj& record) { return record.failStr != "Erased"; });
 
-    if (m_isFailedEraser || m_isCancel) {
+    if (m_isFailedEraser) {
         m_failPanel = new FileEraserFailViewController(m_deleteErrorArr, m_isCancel, this);
         m_failPanel->open();
     } else {
@@ -570,12 +685,25 @@ void FileEraserViewController::removeObjEnd(const FileObjList& results) {
 
     DoDataBase::returnDoDataBase()->writePlistForHistoryWithArr(m_deleteErrorArr);
     PublicUtilities::writeUpDataHistoryStr(DoDataBase::kWipeFileHistory, "1");
+    UserDefaults::setInteger(kUnseenHistoryKey, 1);
     updateHistoryButton();
     m_valueArr = remaining;
     ++m_listRevision;
     reloadData();
     showMainView();
     returnSelectAllState();
+    // Last, so that a quit waiting for the end of the run finds everything recorded.
+    if (m_superDelegate) m_superDelegate->canChangeType(true);
+}
+
+QString FileEraserViewController::erasedFolderHolding(const QString& path, const QStringList& erasedFolders) {
+    for (const QString& folder : erasedFolders)
+        if (path.startsWith(folder.endsWith('/') ? folder : folder + '/')) return folder;
+    return {};
+}
+
+void FileEraserViewController::stopJob() {
+    if (m_engine && m_eraserTimer->isActive()) cancelShred();
 }
 
 }  // namespace velmora

@@ -51,7 +51,7 @@ public:
     // checkbox and the erase button.
     int returnSelectAllState();
 
-    // Sorting: key 0 name, 1 and 2 size; sortAD 0 ascending, 1 descending.
+    // Sorting: key 0 name, 1 and 2 size, -1 not sorted; sortAD 0 ascending, 1 descending.
     void sortButtonAction();
     void selectSortbyType(int sortType, int sortAD);
     static FileObjList sortedRecords(FileObjList records, int sortType, int sortAD);
@@ -76,8 +76,14 @@ public:
     void haveFailEraser();
     void removeObjEnd(const velmora::FileObjList& results);
 
+    // The folder among those erased earlier in the run that held `path`, if any.
+    static QString erasedFolderHolding(const QString& path, const QStringList& erasedFolders);
+
     // "H:MM:SS" of the elapsed-seconds counter.
     static QString elapsedTimeText(int seconds);
+
+    // Stops a running erase as its Cancel button does (quitting during a run).
+    Q_SLOT void stopJob();
 
     // The parts a user sees, for the page's tests.
     QLabel* summaryLabel() const { return m_summaryLabel; }
@@ -96,8 +102,20 @@ public:
     FileEraserFailViewController* failPanel() const;
     FileEraserSortVC* sortMenu() const;
 
+    // Takes the selected rows off the list (Delete); nothing on disk is touched.
+    void removeSelectedRows();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    static constexpr int kListPeek = 54;  // how far the hidden list keeps out of the page
+
     void createHeader();
+    void addShortcuts();
+    void fitColumns();
+    int listHiddenX() const;
     void createAddView();
     void createListView();
     void reloadData();
@@ -117,7 +135,7 @@ private:
     // Bumped on every change of the list, so that a sort finishing late does
     // not bring back a list the user has changed meanwhile.
     int m_listRevision = 0;
-    int m_sortType = 0;
+    int m_sortType = -1;  // the order items were added in, until the user sorts
     int m_sortAD = 0;
     bool m_isCancel = false;
     bool m_isFailedEraser = false;
@@ -130,6 +148,10 @@ private:
     QTimer* m_eraserTimer;
     FileEraserTableModel* m_model;
 
+    QLabel* m_titleLabel = nullptr;
+    QLabel* m_subtitleLabel = nullptr;
+    QLabel* m_hintLabel = nullptr;
+    ImageToggle* m_settingsButton = nullptr;
     ImageToggle* m_sortButton = nullptr;
     ImageToggle* m_historyButton = nullptr;
     QWidget* m_addView = nullptr;

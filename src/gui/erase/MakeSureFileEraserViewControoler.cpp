@@ -18,6 +18,8 @@ MakeSureFileEraserViewControoler::MakeSureFileEraserViewControoler(QWidget* pare
         "not even with recovery software.");
     PanelContent::addButtons(layout, {m_cancelButton, m_continueButton});
     connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
+    // Enter and Escape both mean Cancel here; erasing takes a click on Continue.
+    setCancelButton(m_cancelButton);
     connect(m_continueButton, &QPushButton::clicked, this, [this] {
         accept();
         emit makeSureToEraserSelectFiles();

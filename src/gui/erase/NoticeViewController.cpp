@@ -14,6 +14,7 @@ NoticeViewController::NoticeViewController(const QString& title, const QString& 
     auto* ok = ImageSetButton::primary("OK", this);
     PanelContent::addButtons(layout, {ok});
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    setCancelButton(ok);
 }
 
 }  // namespace velmora

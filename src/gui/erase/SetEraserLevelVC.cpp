@@ -44,6 +44,7 @@ SetEraserLevelVC::SetEraserLevelVC(QWidget* parent) : QWidget(parent) {
         const QString identifier = level.identifier;
         auto* radio = new ImageToggle("radiobutton_no", this, 18);
         radio->setObjectName("but_" + identifier);
+        radio->setAccessibleName(EraserLevel::displayName(identifier.toInt()));
         connect(radio, &ImageToggle::clicked, this, [this, identifier] { buttonAction(identifier); });
         m_buttons.insert(identifier, radio);
         grid->addWidget(radio, row, 0, Qt::AlignTop);
@@ -61,8 +62,9 @@ SetEraserLevelVC::SetEraserLevelVC(QWidget* parent) : QWidget(parent) {
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    auto* cancel = ImageSetButton::secondary("Cancel", this);
+    m_cancelButton = ImageSetButton::secondary("Cancel", this);
     auto* save = ImageSetButton::secondary("Save", this);
+    auto* cancel = m_cancelButton;
     connect(cancel, &QPushButton::clicked, this, &SetEraserLevelVC::cancelButtonAction);
     connect(save, &QPushButton::clicked, this, &SetEraserLevelVC::saveButtonAction);
     buttons->addWidget(cancel);
@@ -76,6 +78,7 @@ void SetEraserLevelVC::addUpdateCheckRow(QVBoxLayout* layout) {
     row->setSpacing(14);
     m_updateCheckBox = new ImageToggle("checkbox_no", this, 18);
     m_updateCheckBox->setObjectName("checkUpdates");
+    m_updateCheckBox->setAccessibleName("Check for updates at start-up");
     connect(m_updateCheckBox, &ImageToggle::clicked, this, &SetEraserLevelVC::updateCheckBoxAction);
     row->addWidget(m_updateCheckBox);
     row->addWidget(Style::label("Check for updates at start-up", 14), 1);
@@ -94,6 +97,7 @@ SetEraserLevelVC* SetEraserLevelVC::showIn(SlidePanel* container) {
     auto* panel = new SetEraserLevelVC;
     container->setContent(panel);
     connect(panel, &SetEraserLevelVC::closeSetEraserLevelView, container, &SlidePanel::slideOut);
+    container->setCancelButton(panel->m_cancelButton);
     panel->setEraserLevelSelect();
     container->slideIn();
     return panel;

@@ -3,6 +3,7 @@
 #include <QMap>
 #include <QWidget>
 
+class QPushButton;
 class QVBoxLayout;
 
 namespace velmora {
@@ -43,6 +44,7 @@ private:
     QMap<QString, ImageToggle*> m_buttons;
     QString m_eraserLevel;
     ImageToggle* m_updateCheckBox = nullptr;
+    QPushButton* m_cancelButton = nullptr;
     bool m_checksForUpdates = true;
 };
 

@@ -22,6 +22,7 @@ ExportViewController::ExportViewController(const QString& reportPath, bool writt
                                            QString("The report could not be saved as %1").arg(shownPath));
     PanelContent::addButtons(layout, {m_okButton});
     connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
+    setCancelButton(m_okButton);
 }
 
 }  // namespace velmora

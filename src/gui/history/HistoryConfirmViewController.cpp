@@ -15,6 +15,7 @@ HistoryConfirmViewController::HistoryConfirmViewController(const QString& title,
     auto* cancel = ImageSetButton::secondary("Cancel", this);
     PanelContent::addButtons(layout, {cancel, m_continueButton});
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    setCancelButton(cancel);
     connect(m_continueButton, &QPushButton::clicked, this, [this] {
         accept();
         emit confirmed();

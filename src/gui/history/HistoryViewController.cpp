@@ -1,17 +1,19 @@
 #include "gui/history/HistoryViewController.h"
 
+#include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/HistoryReport.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/StandardPaths.h"
-#include "gui/widgets/SvgImageView.h"
 #include "gui/history/ExportViewController.h"
 #include "gui/history/HistoryConfirmViewController.h"
 #include "gui/history/HistoryDeleteTextFieldCell.h"
 #include "gui/widgets/ImageSetButton.h"
 #include "gui/widgets/ImageToggle.h"
-#include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/RFOverlayScroller.h"
+#include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/Style.h"
+#include "gui/widgets/SvgImageView.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -51,7 +53,8 @@ HistoryViewController::HistoryViewController(QWidget* parent)
     auto* titleRow = new QHBoxLayout;
     titleRow->addWidget(Style::label("Erasure History", 22, false, true));
     titleRow->addStretch(1);
-    auto* close = new ImageToggle("ic_close", this, 26);
+    m_closeButton = new ImageToggle("ic_close", this, 26);
+    auto* close = m_closeButton;
     close->setToolTip("Close");
     connect(close, &ImageToggle::clicked, this, &HistoryViewController::closeButtonAction);
     titleRow->addWidget(close);
@@ -63,17 +66,26 @@ HistoryViewController::HistoryViewController(QWidget* parent)
     m_outlineView->setHeaderHidden(true);
     m_outlineView->setIndentation(18);
     m_outlineView->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_outlineView->setFocusPolicy(Qt::NoFocus);
+    m_outlineView->setFocusPolicy(Qt::StrongFocus);
     m_outlineView->setTextElideMode(Qt::ElideMiddle);
     m_outlineView->setUniformRowHeights(true);
-    m_outlineView->setStyleSheet("QTreeView::item { height: 30px; }");
+    m_outlineView->setStyleSheet(QString("QTreeView::item { height: 30px; }"
+                                         "QTreeView:focus { border: 2px solid %1; border-radius: 6px; }")
+                                     .arg(Style::rgba(Style::kAccent)));
     RFOverlayScroller::apply(m_outlineView);
     m_outlineView->header()->setStretchLastSection(false);
     m_outlineView->header()->setSectionResizeMode(Name, QHeaderView::Stretch);
     m_outlineView->header()->setSectionResizeMode(Type, QHeaderView::Fixed);
     m_outlineView->header()->setSectionResizeMode(State, QHeaderView::Fixed);
-    m_outlineView->header()->resizeSection(Type, 230);
-    m_outlineView->header()->resizeSection(State, 90);
+    // The level names and results are never cut: their columns fit the longest of them.
+    int levelWidth = 0;
+    for (int level : {1, 2, 3, 7, 35})
+        levelWidth = qMax(levelWidth, QFontMetrics(Style::regularFont(12)).horizontalAdvance(EraserLevel::displayName(level)));
+    m_outlineView->header()->resizeSection(Type, qMax(230, levelWidth + 16));
+    int resultWidth = 70;  // the export and delete buttons of an entry
+    for (const char* result : {"Erased", "Failed", "Cancelled", "Result"})
+        resultWidth = qMax(resultWidth, QFontMetrics(Style::boldFont(12)).horizontalAdvance(result));
+    m_outlineView->header()->resizeSection(State, resultWidth + 20);
     connect(m_outlineView, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* current) {
         if (current) selectRow(current);
     });
@@ -109,6 +121,7 @@ HistoryViewController* HistoryViewController::showIn(SlidePanel* container) {
     auto* history = new HistoryViewController;
     container->setContent(history);
     history->getEraserHistory();
+    container->setCancelButton(history->m_closeButton);
     container->slideIn();
     return history;
 }
@@ -156,7 +169,7 @@ void HistoryViewController::reloadOutline() {
 }
 
 void HistoryViewController::selectRow(QTreeWidgetItem* row) {
-    qInfo("-select---%s", qUtf8Printable(row->text(Name)));
+    qCInfo(lcHistory, "-select---%s", qUtf8Printable(row->text(Name)));
     m_selectCellIndex = visibleRowNumber(row);
     if (!row->parent()) m_keyClickStr = row->text(Name);
     refreshSelection();
@@ -219,10 +232,19 @@ void HistoryViewController::getHistorySavePath() {
     panel->setFileMode(QFileDialog::AnyFile);
     const QString desktop = StandardPaths::desktopDir();
     panel->setDirectory(QFileInfo(desktop).isDir() ? desktop : StandardPaths::homeDir());
-    panel->selectFile(HistoryReport::proposedFileName());
+    // The report is HTML: the panel proposes the name with its ".html" and lists HTML files.
+    panel->setNameFilter("HTML Report (*.html)");
+    panel->setDefaultSuffix("html");
+    panel->selectFile(HistoryReport::proposedFileName() + ".html");
     panel->setWindowModality(Qt::WindowModal);
     panel->setAttribute(Qt::WA_DeleteOnClose);
-    connect(panel, &QFileDialog::fileSelected, this, &HistoryViewController::exportToChosenPath);
+    // The ".html" the panel shows is the one the export appends: the chosen name is the
+    // panel's without it, so that the report is saved under the name the panel showed.
+    connect(panel, &QFileDialog::fileSelected, this, [this](const QString& selected) {
+        QString chosen = selected;
+        if (chosen.endsWith(".html", Qt::CaseInsensitive)) chosen.chop(5);
+        exportToChosenPath(chosen);
+    });
     panel->open();
 }
 

@@ -14,6 +14,7 @@ class QTreeWidgetItem;
 namespace velmora {
 
 class ExportViewController;
+class ImageToggle;
 class HistoryConfirmViewController;
 class SlidePanel;
 
@@ -69,6 +70,7 @@ private:
     QTreeWidget* m_outlineView;
     QWidget* m_noView;
     QPushButton* m_emptyAllButton;
+    ImageToggle* m_closeButton = nullptr;
     QPointer<ExportViewController> m_exportPanel;
     QPointer<HistoryConfirmViewController> m_confirmPanel;
 };

@@ -51,11 +51,15 @@ void apply(QApplication& app) {
 }
 
 void drawFocusRing(QPainter& painter, const QRectF& area, qreal radius) {
+    // Two tones, so that the ring shows on the dark surface and on accent-coloured buttons alike.
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(kAccent, 2));
     painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(kAccent, 2));
     painter.drawRoundedRect(area.adjusted(1, 1, -1, -1), radius, radius);
+    painter.setPen(QPen(kText, 1.5));
+    const qreal inner = qMax<qreal>(0, radius - 2.5);
+    painter.drawRoundedRect(area.adjusted(2.75, 2.75, -2.75, -2.75), inner, inner);
     painter.restore();
 }
 
