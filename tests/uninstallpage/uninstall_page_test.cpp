@@ -312,6 +312,12 @@ private slots:
             const qsizetype ticked = m_page->tickedList().size();
             keyboardwalk::press(Qt::Key_Space);
             QCOMPARE(m_page->tickedList().size(), ticked == 0 ? 1 : 0);
+            const QModelIndex current = table->currentIndex();
+            QCOMPARE(current.siblingAtColumn(UninstallTableModel::CheckBox).data(Qt::CheckStateRole).value<Qt::CheckState>(),
+                     ticked == 0 ? Qt::Checked : Qt::Unchecked);
+            QVERIFY(table->selectionModel()->isRowSelected(current.row()));
+            QCOMPARE(current.siblingAtColumn(UninstallTableModel::Uninstall).data(Qt::AccessibleTextRole).toString(),
+                     "Uninstall " + m_page->showListArr().at(current.row())->name);
             QVERIFY(saveScreenshot(m_window.get(), "uninstall_focus_table_" +
                                                       QString(size == m_window->minimumSize() ? "small" : "large")));
             keyboardwalk::press(Qt::Key_Tab);

@@ -95,6 +95,8 @@ QVariant UninstallTableModel::data(const QModelIndex& index, int role) const {
         return m_ticked && m_ticked->contains(item) ? Qt::Checked : Qt::Unchecked;
     case SecondLineRole: return column == AppName ? displayPath(item->bundleID) : QVariant();
     case Qt::DecorationRole: return column == AppName ? QVariant(iconOf(*item)) : QVariant();
+    case Qt::AccessibleTextRole:  // the per-row button is only an image
+        return column == Uninstall ? QVariant(QString("Uninstall %1").arg(displayPath(item->name))) : QVariant();
     case Qt::ToolTipRole:
         if (column == Uninstall) return QString("Uninstall %1").arg(displayPath(item->name));
         if (column == CheckBox) return QString();
