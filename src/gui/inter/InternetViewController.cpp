@@ -187,6 +187,9 @@ QWidget* InternetViewController::createResultView() {
     for (int column = 0; column < CategoryTableModel::ColumnCount; ++column)
         widths.append(CategoryTableModel::columnWidth(column));
     m_categoryTable = createTable(m_categoryModel, widths);
+    // The names take the room a wider window gives; the counts stay beside them at the right.
+    m_categoryTable->horizontalHeader()->setStretchLastSection(false);
+    m_categoryTable->horizontalHeader()->setSectionResizeMode(CategoryTableModel::Name, QHeaderView::Stretch);
 
     m_thoroughButton = new ImageToggle("checkbox_no", m_resultView);
     m_thoroughButton->setToolTip("Thorough cleaning");
