@@ -240,6 +240,7 @@ void DiskCopyViewController::refreshState() {
     const quint64 picked = m_logic.selectFilesSize();
     m_pickedLabel->setText(some && picked != DiskCopyLogic::kUnknownSize ? QString("Picked: %1").arg(byteToSizeWithByte(picked))
                                                                           : QString());
+    m_pickedLabel->setVisible(!m_pickedLabel->text().isEmpty());  // no empty line under the mode
 }
 
 // ---- Copy mode and the picking tree ----------------------------------------
