@@ -295,7 +295,11 @@ private slots:
         press(Qt::Key_Space);
         QVERIFY(m_page->copyButton()->isEnabled());
         QVERIFY(tabTo(m_page->copyButton()));
-        QVERIFY(saveScreenshot(m_window.get(), "keyboard_copy_page_focus"));
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_copy_page_focus_small"));
+        m_window->resize(1500, 950);
+        QTest::qWait(300);
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_copy_page_focus_large"));
+        m_window->resize(m_window->minimumSize());
         for (int key : {Qt::Key_Return, Qt::Key_Escape}) {
             QVERIFY(tabTo(m_page->copyButton()));
             press(Qt::Key_Space);

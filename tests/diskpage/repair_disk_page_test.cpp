@@ -354,7 +354,11 @@ private slots:
             press(Qt::Key_Down);
         QCOMPARE(m_page->selectVolume().volumePath, m_device);
         QVERIFY(tabTo(m_page->formatButton()));
-        QVERIFY(saveScreenshot(m_window.get(), "keyboard_disk_page_focus"));
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_disk_page_focus_small"));
+        m_window->resize(1500, 950);
+        QTest::qWait(300);
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_disk_page_focus_large"));
+        m_window->resize(m_window->minimumSize());
         for (int key : {Qt::Key_Return, Qt::Key_Escape}) {
             QVERIFY(tabTo(m_page->formatButton()));
             press(Qt::Key_Space);

@@ -367,7 +367,11 @@ private slots:
             press(Qt::Key_Tab);
             QCOMPARE(focused(), next);
         }
-        QVERIFY(saveScreenshot(m_window.get(), "keyboard_internet_results_focus"));
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_internet_results_focus_small"));
+        m_window->resize(1500, 950);
+        QTest::qWait(300);
+        QVERIFY(saveScreenshot(m_window.get(), "keyboard_internet_results_focus_large"));
+        m_window->resize(m_window->minimumSize());
     }
 
     // No text of the start, scanning and result views is cut at a large and the smallest
