@@ -307,6 +307,7 @@ private slots:
         writeFile(big, 64 << 20);
         writeFile(later, 100);
         m_page->addSelectedPaths({big, later});
+        QTest::qWait(600);  // the list has slid in
         m_page->makeSureToEraserSelectFiles();
         QTRY_VERIFY_WITH_TIMEOUT(m_page->progressPanel() && !m_page->progressPanel()->roundText().isEmpty(), 10000);
         press(Qt::Key_Escape);  // the progress view's Cancel
@@ -333,6 +334,7 @@ private slots:
         const QString big = m_scratch->filePath("large.bin");
         writeFile(big, 64 << 20);
         m_page->addSelectedPaths({big});
+        QTest::qWait(600);  // the list has slid in
         m_page->makeSureToEraserSelectFiles();
         QTRY_VERIFY_WITH_TIMEOUT(m_page->progressPanel() && !m_page->progressPanel()->roundText().isEmpty(), 10000);
         QVERIFY(m_window->isJobRunning());
