@@ -1,6 +1,7 @@
 #include "engine/copy/DiskCopyLogic.h"
 
 #include "engine/copy/CloneFolder.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 
 #include <QDebug>
@@ -166,7 +167,7 @@ bool DiskCopyLogic::beginToCopyFiles(const QDateTime& now, bool verifyAfterCopyi
     m_copyFolder = folder.path();
     m_copyFolderOnDesktop = folder.onDesktop();
     m_stoppedByUser = false;
-    qInfo().noquote() << "toVolume.volumePath----" + displayPath(m_toVolume->volumePath);
+    qCInfo(lcCopy).noquote() << "toVolume.volumePath----" + displayPath(m_toVolume->volumePath);
 
     m_doCopy = std::make_unique<DoCopyFiles>();
     if (!m_doCopy->setSourceRoot(m_fromeVolume->volumePath, &error)) {

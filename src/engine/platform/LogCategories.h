@@ -12,3 +12,5 @@ Q_DECLARE_LOGGING_CATEGORY(lcHistory)    // velmora.history
 Q_DECLARE_LOGGING_CATEGORY(lcVolumes)    // velmora.volumes
 Q_DECLARE_LOGGING_CATEGORY(lcInter)      // velmora.inter
 Q_DECLARE_LOGGING_CATEGORY(lcUninstall)  // velmora.uninstall
+Q_DECLARE_LOGGING_CATEGORY(lcCopy)       // velmora.copy
+Q_DECLARE_LOGGING_CATEGORY(lcPlatform)   // velmora.platform

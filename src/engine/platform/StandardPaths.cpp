@@ -1,5 +1,6 @@
 #include "engine/platform/StandardPaths.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 
 #include <QCoreApplication>
@@ -86,7 +87,7 @@ QString freshTempDir() {
             made = pathFromNative(pattern);
             return made;
         }
-        qWarning("cannot make a temporary folder in %s: %s", qUtf8Printable(parent), std::strerror(errno));
+        qCWarning(lcPlatform, "cannot make a temporary folder in %s: %s", qUtf8Printable(parent), std::strerror(errno));
     }
     qCritical("no private temporary folder can be made: temporary and output files cannot be written");
     return {};
@@ -119,14 +120,14 @@ QString tempDir() {
     if (!dataDir.isEmpty()) {
         const QString dir = ensured(dataDir) + "/tmp";
         if (ownPrivateFolder(dir, true, &failure)) return dir;
-        qWarning("refusing the temporary folder %s: %s", qUtf8Printable(dir), qUtf8Printable(failure));
+        qCWarning(lcPlatform, "refusing the temporary folder %s: %s", qUtf8Printable(dir), qUtf8Printable(failure));
         return freshTempDir();
     }
     const QString runtimeDir = fromEnv("XDG_RUNTIME_DIR");
     if (!runtimeDir.isEmpty()) {
         const QString dir = runtimeDir + "/velmora";
         if (trustedParent(runtimeDir, &failure) && ownPrivateFolder(dir, true, &failure)) return dir;
-        qWarning("refusing the temporary folder %s: %s", qUtf8Printable(dir), qUtf8Printable(failure));
+        qCWarning(lcPlatform, "refusing the temporary folder %s: %s", qUtf8Printable(dir), qUtf8Printable(failure));
     }
     return freshTempDir();
 }

@@ -1,6 +1,7 @@
 #include "engine/volumes/WholeDriveErase.h"
 
 #include "engine/erase/DoRemoveObj.h"
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/PathStatus.h"
 #include "engine/volumes/DiskUtilLine.h"
@@ -68,7 +69,7 @@ void WholeDriveErase::doTrWithArr(const QStringList& arguments) {
     });
     connect(m_task, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error != QProcess::FailedToStart) return;
-        qWarning("This is do reformat volumes");
+        qCWarning(lcVolumes, "This is do reformat volumes");
         const QString reason = m_task->errorString();
         m_task->disconnect(this);
         m_task->deleteLater();
@@ -81,11 +82,11 @@ void WholeDriveErase::doTrWithArr(const QStringList& arguments) {
 
 // The output is logged; the reformat's outcome is its exit status.
 void WholeDriveErase::doThing() {
-    qInfo("1-doThing-----");
+    qCInfo(lcVolumes, "1-doThing-----");
     if (!m_task) return;
     const QString text = QString::fromUtf8(m_task->readAllStandardOutput());
     if (text.isEmpty()) return;
-    qInfo("-doThing-----%s", qPrintable(text));
+    qCInfo(lcVolumes, "-doThing-----%s", qPrintable(text));
     if (text.trimmed() == "Mounting disk") rescanVolumes();
 }
 
@@ -93,7 +94,7 @@ void WholeDriveErase::doThingError() {
     if (!m_task) return;
     const QString text = QString::fromUtf8(m_task->readAllStandardError());
     if (text.isEmpty()) return;
-    qInfo("------%s", qPrintable(text));
+    qCInfo(lcVolumes, "------%s", qPrintable(text));
     m_errorOutput += text;
 }
 
@@ -163,7 +164,7 @@ void WholeDriveErase::eraseNtfsAsFat32() {
     connect(watcher, &QFutureWatcher<CommandResult>::finished, this, [this, watcher, command] {
         const CommandResult result = watcher->result();
         watcher->deleteLater();
-        qInfo("format volume : %s", qPrintable(result.outputPath));
+        qCInfo(lcVolumes, "format volume : %s", qPrintable(result.outputPath));
         if (!result.succeeded()) {
             const QString why = result.started && result.exitedNormally
                                     ? diskUtilFailure(command, result.exitCode, result.failure)
@@ -201,7 +202,7 @@ std::optional<ResolvedVolume> WholeDriveErase::reformattedVolume(bool firstLookA
 }
 
 void WholeDriveErase::fail(const QString& reason) {
-    qWarning("%s", qPrintable(reason));
+    qCWarning(lcVolumes, "%s", qPrintable(reason));
     QMetaObject::invokeMethod(this, [this, reason] { m_wipe->failRun(reason); }, Qt::QueuedConnection);
 }
 

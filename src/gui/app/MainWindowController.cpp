@@ -111,6 +111,8 @@ private:
 };
 
 constexpr int kGripThickness = 5;
+// Ctrl+Q on every desktop (some key schemes have no standard Quit key).
+const QKeySequence kQuitKeys(Qt::CTRL | Qt::Key_Q);
 
 }  // namespace
 
@@ -160,7 +162,7 @@ MainWindowController::MainWindowController(QWidget* parent)
 void MainWindowController::addWindowButtons() {
     auto* close = windowButton(QColor(0xE0, 0x56, 0x5B), "Close", m_sidebar);
     close->move(18, 16);
-    connect(close, &QPushButton::clicked, this, &QWidget::close);
+    connect(close, &QPushButton::clicked, this, &MainWindowController::requestQuit);
     auto* minimise = windowButton(QColor(0xE8, 0xA9, 0x3A), "Minimize", m_sidebar);
     minimise->move(38, 16);
     connect(minimise, &QPushButton::clicked, this, &QWidget::showMinimized);
@@ -177,8 +179,8 @@ void MainWindowController::addShortcuts() {
     connect(help, &QAction::triggered, this, &MainWindowController::showHelp);
     addAction(help);
     m_applicationMenu->addAction(help);
-    auto* quit = m_applicationMenu->addAction("Quit", this, &QWidget::close);
-    quit->setShortcut(QKeySequence::Quit);
+    auto* quit = m_applicationMenu->addAction("Quit", this, &MainWindowController::requestQuit);
+    quit->setShortcut(kQuitKeys);
     m_menuButton->show();
 }
 
@@ -371,9 +373,28 @@ void MainWindowController::canChangeType(bool canChange) {
     if (canChange && m_quitWhenJobEnds) {
         // The page has taken the job's end (history, result); now quit.
         m_quitWhenJobEnds = false;
-        m_quitting = true;
-        QTimer::singleShot(0, this, &QWidget::close);
+        QTimer::singleShot(0, this, &MainWindowController::quitNow);
     }
+}
+
+void MainWindowController::requestQuit() {
+    if (m_jobRunning && !m_quitting)
+        askToStopJobAndQuit();
+    else
+        quitNow();
+}
+
+void MainWindowController::quitNow() {
+    m_quitting = true;
+    // The panels go first: the window system ignores a close of a window a modal panel blocks.
+    closePanels();
+    close();
+}
+
+// The panels of the pages are windows of their own; they go with the window.
+void MainWindowController::closePanels() {
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (window != this && window->isVisible() && qobject_cast<QDialog*>(window)) window->close();
 }
 
 QWidget* MainWindowController::currentPage() const {
@@ -383,9 +404,7 @@ QWidget* MainWindowController::currentPage() const {
 
 void MainWindowController::closeEvent(QCloseEvent* event) {
     if (!m_jobRunning || m_quitting) {
-        // The panels of the pages are windows of their own: they go with the window.
-        for (QWidget* window : QApplication::topLevelWidgets())
-            if (window != this && window->isVisible() && qobject_cast<QDialog*>(window)) window->close();
+        closePanels();
         event->accept();
         return;
     }
@@ -410,8 +429,7 @@ void MainWindowController::askToStopJobAndQuit() {
     connect(stop, &QPushButton::clicked, this, [this, panel] {
         panel->accept();
         if (!m_jobRunning) {
-            m_quitting = true;
-            close();
+            quitNow();
             return;
         }
         m_quitWhenJobEnds = true;
@@ -421,8 +439,7 @@ void MainWindowController::askToStopJobAndQuit() {
         } else {
             // A page that cannot stop its job: leave now, the exit tidy-up runs as usual.
             m_quitWhenJobEnds = false;
-            m_quitting = true;
-            close();
+            quitNow();
         }
     });
     m_quitQuestion = panel;
@@ -431,12 +448,13 @@ void MainWindowController::askToStopJobAndQuit() {
 
 bool MainWindowController::eventFilter(QObject* watched, QEvent* event) {
     // Ctrl+Q reaches the window also while one of its modal panels has the keyboard.
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Quit)) {
+    if (event->type() == QEvent::KeyPress &&
+        QKeySequence(static_cast<QKeyEvent*>(event)->keyCombination()) == kQuitKeys) {
         auto* widget = qobject_cast<QWidget*>(watched);
         QWidget* window = widget ? widget->window() : nullptr;
         while (window && window != this && window->parentWidget()) window = window->parentWidget()->window();
         if (window == this) {
-            QTimer::singleShot(0, this, &QWidget::close);
+            QTimer::singleShot(0, this, &MainWindowController::requestQuit);
             return true;
         }
     }

@@ -27,7 +27,7 @@ class SidebarButton;
 // its own rect (layouts, or resizeEvent), never from the constants above, which
 // are only the size a page starts with.
 //
-// Closing the window (red button, Ctrl+Q, the window manager) while the sidebar is
+// Quitting (red button, Ctrl+Q, the window manager's close) while the sidebar is
 // locked by a job asks first; on "Stop and Quit" the current page's `stopJob()`
 // slot (where it has one) ends the job the way its own Stop button does, and the
 // application quits once the page unlocks the sidebar.
@@ -54,6 +54,9 @@ public:
     void showDiskCopyView();
     DiskCopyViewController* diskCopyView() const { return m_diskCopyView; }
     ImageToggle* menuButton() const { return m_menuButton; }
+    // The red button, Ctrl+Q and the menu's Quit: asks first during a job, else closes
+    // the window (and the panels open over it).
+    void requestQuit();
     // A panel with the keyboard shortcuts and how the tools are used (F1, the menu).
     void showHelp();
     QWidget* pageArea() const { return m_pageArea; }
@@ -91,6 +94,8 @@ private:
     Qt::Edges resizeEdgesAt(const QPoint& position) const;
     void toggleMaximized();
     void askToStopJobAndQuit();
+    void quitNow();
+    void closePanels();
     QWidget* currentPage() const;
 
     QWidget* m_sidebar;
