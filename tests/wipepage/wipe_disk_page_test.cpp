@@ -22,6 +22,7 @@
 #include "gui/widgets/MLCircularIndicator.h"
 #include "gui/widgets/PanelContent.h"
 #include "gui/widgets/SidebarButton.h"
+#include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/Style.h"
 #include "gui/widgets/SvgImageView.h"
 #include "gui/erase/FileEraserTableModel.h"
@@ -355,6 +356,9 @@ private slots:
 
         QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 120000));
         QVERIFY2(m_page->failPanel(), "the run ended in the success view");
+        QCOMPARE(m_page->failPanel()->findChild<SvgImageView*>()->imageName(), QString("ic_fail"));
+        QCOMPARE(m_page->failPanel()->findChild<QLabel*>("panelTitle")->text(),
+                 QString("The free space of \"%1\" was not erased").arg(kLabel));
         QVERIFY(PanelContent::messageLabel(m_page->failPanel())->text().contains("read-only"));
         QVERIFY(m_page->failPanel()->detailLabel()->isVisibleTo(m_page->failPanel()));
         QVERIFY2(m_page->failPanel()->detailLabel()->text().contains("link"),
@@ -418,6 +422,17 @@ private slots:
         }
         QCOMPARE(results("Erase Free Space") + results("Erase Hard Drive"), before);
         QVERIFY(!QFileInfo::exists(m_mountPoint + "/.Velmora"));
+
+        // The header's icon buttons open the level and history panels; Escape closes each.
+        for (ImageToggle* button : m_page->findChildren<ImageToggle*>()) {
+            QVERIFY(!button->accessibleName().isEmpty() && !button->toolTip().isEmpty());
+            QVERIFY(tabTo(button));
+            press(Qt::Key_Space);
+            SlidePanel* panel = button == m_page->historyButton() ? m_page->historyPanel() : m_page->levelPanel();
+            QTRY_VERIFY(panel->isShown());
+            press(Qt::Key_Escape);
+            QTRY_VERIFY(!panel->isShown());
+        }
     }
 
     // "Erase Hard Drive" on the loop volume: the progress names the reformat (a moving
