@@ -157,6 +157,9 @@ MainWindowController::MainWindowController(QWidget* parent)
     setMinimumSize(sidebarWidth() + kPageWidth, kPageHeight);
     resize(minimumSize());
     layoutShell();
+    // The window starts with the keyboard on the page area itself, so no control shows a
+    // ring (and Space acts on nothing) before the user presses Tab.
+    m_pageArea->setFocus(Qt::OtherFocusReason);
 }
 
 void MainWindowController::addWindowButtons() {

@@ -170,8 +170,10 @@ void FileEraserViewController::resizeEvent(QResizeEvent* event) {
     m_sortButton->move(m_settingsButton->x() - 40, 36);
 
     m_addView->setGeometry(0, kContentTop, width(), height() - kContentTop);
-    const QSize drop(qMax(560, width() - 224), qMax(280, m_addView->height() - 220));
-    m_dragView->setGeometry((width() - drop.width()) / 2, 50, drop.width(), drop.height());
+    // The drop area grows with the page up to a comfortable size and stays centred.
+    const QSize drop(qBound(560, width() - 224, 860), qBound(280, m_addView->height() - 220, 440));
+    const int dropTop = qMax(50, (m_addView->height() - drop.height() - 40) / 2);
+    m_dragView->setGeometry((width() - drop.width()) / 2, dropTop, drop.width(), drop.height());
     m_hintLabel->setGeometry(0, m_dragView->geometry().bottom() + 20, width(), 20);
 
     const bool listShown = m_listView->isVisible() && m_listView->x() == 0;
