@@ -20,6 +20,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <cmath>
 
 using namespace velmora;
 
@@ -145,6 +146,25 @@ private slots:
         QVERIFY(clipped.at(0).contains("far too long"));
         QVERIFY(clipped.at(1).contains("a size is elided"));
         QVERIFY(clipped.at(2).contains("Erase Everything"));
+    }
+
+    // Secondary text keeps WCAG AA contrast (4.5:1) on every surface it is drawn on.
+    void secondaryTextMeetsContrastOnEverySurface() {
+        const auto luminance = [](const QColor& colour) {
+            const auto channel = [](double value) {
+                return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+            };
+            return 0.2126 * channel(colour.redF()) + 0.7152 * channel(colour.greenF()) +
+                   0.0722 * channel(colour.blueF());
+        };
+        for (const QColor& surface : {Style::kWindow, Style::kSidebar, Style::kPanel, Style::kSelection}) {
+            const double alpha = Style::kSecondaryText.alphaF();
+            const QColor shown = QColor::fromRgbF(alpha * Style::kSecondaryText.redF() + (1 - alpha) * surface.redF(),
+                                                  alpha * Style::kSecondaryText.greenF() + (1 - alpha) * surface.greenF(),
+                                                  alpha * Style::kSecondaryText.blueF() + (1 - alpha) * surface.blueF());
+            const double ratio = (luminance(shown) + 0.05) / (luminance(surface) + 0.05);
+            QVERIFY2(ratio >= 4.5, qPrintable(QString("%1 on %2").arg(ratio).arg(surface.name())));
+        }
     }
 
     void windowButtonsAndMenuAreNamedForAssistiveTools() {
