@@ -370,6 +370,13 @@ private slots:
         writeFile(big, 629'145'600 / 1000);
         m_page->addSelectedPaths({folder, big});
         m_page->selectListButton(0);
+        // A history entry with the longest level name and result.
+        EraserLevel::store(35);
+        FileObj record;
+        record.url = big;
+        record.failStr = "Cancelled";
+        DoDataBase::returnDoDataBase()->writePlistForHistoryWithArr({record});
+        EraserLevel::store(1);
         for (const QSize& size : {m_window->minimumSize(), QSize(1500, 950)}) {
             m_window->resize(size);
             QTest::qWait(600);
@@ -382,6 +389,8 @@ private slots:
             m_page->historyButtonAction();
             QTRY_COMPARE_WITH_TIMEOUT(m_page->historyPanel()->x(), 0, 3000);
             QCOMPARE(m_page->historyPanel()->size(), m_page->size());
+            auto* history = qobject_cast<HistoryViewController*>(m_page->historyPanel()->content());
+            QCOMPARE(history->outlineView()->topLevelItem(0)->child(1)->text(1), EraserLevel::displayName(35));
             clipped = clippedTexts(m_page->historyPanel());
             QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
             m_page->closeHistoryView();
