@@ -159,9 +159,10 @@ private slots:
         };
         for (const QColor& surface : {Style::kWindow, Style::kSidebar, Style::kPanel, Style::kSelection}) {
             const double alpha = Style::kSecondaryText.alphaF();
-            const QColor shown = QColor::fromRgbF(alpha * Style::kSecondaryText.redF() + (1 - alpha) * surface.redF(),
-                                                  alpha * Style::kSecondaryText.greenF() + (1 - alpha) * surface.greenF(),
-                                                  alpha * Style::kSecondaryText.blueF() + (1 - alpha) * surface.blueF());
+            const auto over = [alpha](double text, double below) { return alpha * text + (1 - alpha) * below; };
+            const QColor shown = QColor::fromRgbF(over(Style::kSecondaryText.redF(), surface.redF()),
+                                                  over(Style::kSecondaryText.greenF(), surface.greenF()),
+                                                  over(Style::kSecondaryText.blueF(), surface.blueF()));
             const double ratio = (luminance(shown) + 0.05) / (luminance(surface) + 0.05);
             QVERIFY2(ratio >= 4.5, qPrintable(QString("%1 on %2").arg(ratio).arg(surface.name())));
         }

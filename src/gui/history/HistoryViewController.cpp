@@ -78,9 +78,10 @@ HistoryViewController::HistoryViewController(QWidget* parent)
     m_outlineView->header()->setSectionResizeMode(Type, QHeaderView::Fixed);
     m_outlineView->header()->setSectionResizeMode(State, QHeaderView::Fixed);
     // The level names and results are never cut: their columns fit the longest of them.
+    const QFontMetrics levelMetrics(Style::regularFont(12));
     int levelWidth = 0;
     for (int level : {1, 2, 3, 7, 35})
-        levelWidth = qMax(levelWidth, QFontMetrics(Style::regularFont(12)).horizontalAdvance(EraserLevel::displayName(level)));
+        levelWidth = qMax(levelWidth, levelMetrics.horizontalAdvance(EraserLevel::displayName(level)));
     m_outlineView->header()->resizeSection(Type, qMax(230, levelWidth + 16));
     int resultWidth = 70;  // the export and delete buttons of an entry
     for (const char* result : {"Erased", "Failed", "Cancelled", "Result"})

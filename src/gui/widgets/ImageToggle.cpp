@@ -89,7 +89,9 @@ void ImageToggle::paintEvent(QPaintEvent*) {
     QSvgRenderer renderer(Style::imagePath(m_imageName));
     if (!isEnabled()) painter.setOpacity(0.4);
     renderer.render(&painter, QRectF(rect()));
-    if (hasFocus()) Style::drawFocusRing(painter, QRectF(rect()), m_imageName.startsWith("checkbox_") ? 4 : m_side / 2.0);
+    if (!hasFocus()) return;
+    const qreal radius = m_imageName.startsWith("checkbox_") ? 4 : m_side / 2.0;
+    Style::drawFocusRing(painter, QRectF(rect()), radius);
 }
 
 }  // namespace velmora

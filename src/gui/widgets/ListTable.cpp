@@ -36,8 +36,8 @@ void applyListTableLook(QTableView* view, int rowHeight, const QList<int>& colum
 
 void makeListTableFocusable(QTableView* view) {
     view->setFocusPolicy(Qt::StrongFocus);
-    view->setStyleSheet(view->styleSheet() +
-                        QString("QTableView:focus { border: 2px solid %1; border-radius: 6px; }").arg(Style::rgba(Style::kAccent)));
+    const QString ring = QString("QTableView:focus { border: 2px solid %1; border-radius: 6px; }");
+    view->setStyleSheet(view->styleSheet() + ring.arg(Style::rgba(Style::kAccent)));
 }
 
 }  // namespace velmora
