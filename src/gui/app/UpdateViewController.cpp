@@ -213,7 +213,10 @@ void UpdateViewController::closeWindow() {
 }
 
 bool UpdateViewController::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == m_superDelegate && event->type() == QEvent::KeyPress &&
+    // The type first: the panel's own destruction sends events here while its
+    // MAAttachedWindow part is already gone, and reading the guarded pointer then
+    // would cast a QDialog to it.
+    if (event->type() == QEvent::KeyPress && watched == m_superDelegate &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         closeWindow();
         return true;
