@@ -12,6 +12,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <QMutex>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -137,14 +138,19 @@ private:
     QEventLoop m_loop;
 };
 
-// Collects the log lines written while it lives.
+// Collects the log lines written while it lives, with the application's logging
+// categories (silent by default) turned on.
 class LogCapture {
 public:
     LogCapture() {
         s_lines.clear();
+        QLoggingCategory::setFilterRules("velmora.*=true");
         m_previous = qInstallMessageHandler(&LogCapture::handle);
     }
-    ~LogCapture() { qInstallMessageHandler(m_previous); }
+    ~LogCapture() {
+        qInstallMessageHandler(m_previous);
+        QLoggingCategory::setFilterRules(QString());
+    }
     QStringList lines() const {
         QMutexLocker lock(&s_mutex);
         return s_lines;

@@ -1,7 +1,6 @@
 #include "gui/app/MainWindowController.h"
 
 #include "engine/platform/NotificationCenter.h"
-#include "gui/app/PlaceholderPage.h"
 #include "gui/copy/DiskCopyViewController.h"
 #include "gui/duplicate/SameFileDeleteViewController.h"
 #include "gui/erase/FileEraserViewController.h"
@@ -208,29 +207,11 @@ void MainWindowController::showHelp() {
 void MainWindowController::refreshTitle() { setWindowTitle("Velmora Data Eraser"); }
 
 void MainWindowController::addPages() {
-    const QList<QStringList> titles = {{"Erase Files"},
-                                       {"Erase Hard Drive", "Erase Free Space"},
-                                       {"Disk Format", "Disk Tool"},
-                                       {"Uninstaller"},
-                                       {"Internet Cleaner"},
-                                       {"Duplicate Finder"}};
-    for (const QStringList& pageTitles : titles) {
-        QWidget* page = m_allBaseViewArr.isEmpty()
-                            ? static_cast<QWidget*>(new FileEraserViewController(this, m_pageArea))
-                        : m_allBaseViewArr.size() == 1
-                            ? static_cast<QWidget*>(new WipeDiskViewController(this, m_pageArea))
-                        : m_allBaseViewArr.size() == 2
-                            ? static_cast<QWidget*>(new RepairDiskViewController(this, m_pageArea))
-                        : m_allBaseViewArr.size() == 3
-                            ? static_cast<QWidget*>(new UninstallViewController(this, m_pageArea))
-                        : m_allBaseViewArr.size() == 4
-                            ? static_cast<QWidget*>(new InternetViewController(this, m_pageArea))
-                        : m_allBaseViewArr.size() == 5
-                            ? static_cast<QWidget*>(new SameFileDeleteViewController(this, m_pageArea))
-                            : new PlaceholderPage(pageTitles, m_pageArea);
-        page->setVisible(m_allBaseViewArr.isEmpty());
-        m_allBaseViewArr.append(page);
-    }
+    // In the order of the sidebar's slots; pages with two modes serve two entries.
+    m_allBaseViewArr = {new FileEraserViewController(this, m_pageArea), new WipeDiskViewController(this, m_pageArea),
+                        new RepairDiskViewController(this, m_pageArea), new UninstallViewController(this, m_pageArea),
+                        new InternetViewController(this, m_pageArea), new SameFileDeleteViewController(this, m_pageArea)};
+    for (QWidget* page : std::as_const(m_allBaseViewArr)) page->setVisible(page == m_allBaseViewArr.first());
 }
 
 void MainWindowController::addTypeButton() {
