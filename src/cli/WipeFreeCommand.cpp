@@ -94,6 +94,8 @@ int runWipeFreeCommand(QStringList args) {
     });
     printOut(QString("%1  Erase Free Space:%2").arg(outcome.succeeded ? "Erased" : "Failed", printable(volume->volumeName)));
     if (!outcome.succeeded) printErr("velmora-cli: " + printableMessage(outcome.text));
+    // What exactly went wrong (a fill folder that is a link or not ours), as the page says it.
+    if (!outcome.succeeded && !wipe.failureDetail().isEmpty()) printErr("velmora-cli: " + printableMessage(wipe.failureDetail()));
     return outcome.succeeded ? 0 : 1;
 }
 
