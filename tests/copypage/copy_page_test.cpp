@@ -7,6 +7,7 @@
 #include "support/LoopVolume.h"
 #include "support/TestFiles.h"
 #include "erasepage/PanelScreenshot.h"
+#include "support/PageTestSupport.h"
 #include "engine/copy/DiskCopyLogic.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/copy/CopyFailViewController.h"
@@ -27,7 +28,6 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -39,29 +39,14 @@
 #include <sys/stat.h>
 
 using namespace velmora;
+using velmora::test::serveEventsFor;
+using velmora::test::waitUntil;
 using velmora::test::LoopVolume;
 using keyboardwalk::focused;
 using keyboardwalk::press;
 using keyboardwalk::tabTo;
 
 namespace {
-
-bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 60000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.hasExpired(timeoutMs)) return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(5);
-    }
-    return true;
-}
-
-void serveEventsFor(int ms) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!clock.hasExpired(ms)) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-}
 
 // The one "VLclone(...)" folder on a volume, empty when there is none or more than one.
 std::string cloneFolderIn(const std::string& mountPoint) {
@@ -93,10 +78,7 @@ class CopyPageTest : public QObject {
 
 private slots:
     void initTestCase() {
-        QFont font = QApplication::font();
-        font.setPointSize(12);
-        QApplication::setFont(font);
-        Style::apply(*qApp);
+        test::usePageFontAndStyle();
     }
 
     void init() {

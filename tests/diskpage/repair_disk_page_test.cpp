@@ -5,6 +5,7 @@
 #include "support/LoopVolume.h"
 #include "erasepage/PanelScreenshot.h"
 #include "TempDataDir.h"
+#include "support/PageTestSupport.h"
 #include "engine/volumes/FormatChoices.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/volumes/EidtNameViewcontroller.h"
@@ -20,7 +21,6 @@
 #include "gui/widgets/Style.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -30,29 +30,14 @@
 #include <memory>
 
 using namespace velmora;
+using velmora::test::serveEventsFor;
+using velmora::test::waitUntil;
 using velmora::test::LoopVolume;
 using keyboardwalk::focused;
 using keyboardwalk::press;
 using keyboardwalk::tabTo;
 
 namespace {
-
-bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 60000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.hasExpired(timeoutMs)) return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(5);
-    }
-    return true;
-}
-
-void serveEventsFor(int ms) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!clock.hasExpired(ms)) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-}
 
 int rowOfDevice(const RepairDiskViewController* page, const QString& device) {
     for (int row = 0; row < page->allVolumeArr().size(); ++row)
@@ -88,10 +73,7 @@ class RepairDiskPageTest : public QObject {
 
 private slots:
     void initTestCase() {
-        QFont font = QApplication::font();
-        font.setPointSize(12);
-        QApplication::setFont(font);
-        Style::apply(*qApp);
+        test::usePageFontAndStyle();
     }
 
     void init() {

@@ -1,4 +1,5 @@
 #include "PanelScreenshot.h"
+#include "support/PageTestSupport.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
@@ -102,10 +103,7 @@ private slots:
     void initTestCase() {
         QVERIFY(m_data.isValid());
         qputenv("VELMORA_DATA_DIR", m_data.path().toUtf8());
-        QFont font = QApplication::font();
-        font.setPointSize(12);
-        QApplication::setFont(font);
-        Style::apply(*qApp);
+        test::usePageFontAndStyle();
         EraserLevel::store(1);
     }
 

@@ -1,4 +1,5 @@
 #include "PanelScreenshot.h"
+#include "support/PageTestSupport.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
 #include "gui/history/ExportViewController.h"
@@ -51,10 +52,7 @@ class HistoryPanelTest : public QObject {
 
 private slots:
     void initTestCase() {
-        QFont font = QApplication::font();
-        font.setPointSize(12);
-        QApplication::setFont(font);
-        Style::apply(*qApp);
+        test::usePageFontAndStyle();
     }
 
     void init() {

@@ -16,6 +16,7 @@
 #include "support/BrowserProfiles.h"
 #include "support/ChildProcess.h"
 #include "support/FileAccessOverride.h"
+#include "support/PageTestSupport.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -69,10 +70,7 @@ class InternetPageTest : public QObject {
 
 private slots:
     void initTestCase() {
-        QFont font = QApplication::font();
-        font.setPointSize(12);
-        QApplication::setFont(font);
-        Style::apply(*qApp);
+        test::usePageFontAndStyle();
     }
 
     // A fake home with Chrome (3 history rows), Brave (1) and Firefox; no

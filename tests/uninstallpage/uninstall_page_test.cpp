@@ -19,6 +19,7 @@
 #include "gui/widgets/Style.h"
 #include "support/ChildProcess.h"
 #include "support/FakeAppTrees.h"
+#include "support/PageTestSupport.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -67,10 +68,7 @@ class UninstallPageTest : public QObject {
 
 private slots:
     void initTestCase() {
-        QFont font = QApplication::font();
-        font.setPointSize(12);
-        QApplication::setFont(font);
-        Style::apply(*qApp);
+        test::usePageFontAndStyle();
     }
 
     // A Linux home with four applications of known sizes, the leftovers of "Go" (its own

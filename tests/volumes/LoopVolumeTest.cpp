@@ -3,6 +3,7 @@
 // deleted file's unique marker must be nowhere in the raw image afterwards).
 #include "VolumeTestSupport.h"
 #include "support/LoopVolume.h"
+#include "support/PageTestSupport.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/platform/NotificationCenter.h"
 #include "engine/volumes/DiskMedium.h"
@@ -10,7 +11,6 @@
 #include "engine/volumes/VolumeScanner.h"
 #include "engine/volumes/WatchMountUnmount.h"
 
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -45,18 +45,6 @@ protected:
         ::sync();
         ASSERT_TRUE(QFile::remove(path));
         ::sync();
-    }
-
-    // Serves the event loop until the condition holds (false after 30 seconds).
-    static bool waitUntil(const std::function<bool()>& condition) {
-        QElapsedTimer clock;
-        clock.start();
-        while (!condition()) {
-            if (clock.hasExpired(30000)) return false;
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-            QThread::msleep(10);
-        }
-        return true;
     }
 
     // Formats and mounts a loop volume; fails the test when that cannot be done.

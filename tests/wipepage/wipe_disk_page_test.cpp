@@ -4,6 +4,7 @@
 #include "KeyboardWalk.h"
 #include "erasepage/PanelScreenshot.h"
 #include "TempDataDir.h"
+#include "support/PageTestSupport.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
@@ -28,7 +29,6 @@
 #include "gui/erase/FileEraserTableModel.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
 #include <QStorageInfo>
@@ -38,6 +38,8 @@
 #include <memory>
 
 using namespace velmora;
+using velmora::test::serveEventsFor;
+using velmora::test::waitUntil;
 using velmora::test::LoopVolume;
 using velmora::test::loopDevicesUnavailable;
 using keyboardwalk::focused;
@@ -47,25 +49,6 @@ using keyboardwalk::tabTo;
 namespace {
 
 constexpr const char* kLabel = "VELPAGE";
-
-// Serves the event loop until the condition holds; false after the timeout.
-bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 60000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.hasExpired(timeoutMs)) return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(5);
-    }
-    return true;
-}
-
-// Serves the event loop for a while (animations, deferred deletes).
-void serveEventsFor(int ms) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!clock.hasExpired(ms)) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-}
 
 int rowOfDevice(const WipeDiskViewController* page, const QString& device) {
     for (int row = 0; row < page->allVolumeArr().size(); ++row)
@@ -91,10 +74,7 @@ class WipeDiskPageTest : public QObject {
 
 private slots:
     void initTestCase() {
-        QFont font = QApplication::font();
-        font.setPointSize(12);
-        QApplication::setFont(font);
-        Style::apply(*qApp);
+        test::usePageFontAndStyle();
         EraserLevel::store(1);
     }
 
@@ -537,6 +517,51 @@ private slots:
             QVERIFY2(clipped.isEmpty(), qPrintable(clipped.join('\n')));
             panel->hide();
         }
+    }
+
+    void quittingDuringARunCancelsItRecordsItAndCloses_data() {
+        QTest::addColumn<int>("tag");
+        QTest::addColumn<QString>("tool");
+        QTest::newRow("free space") << 2 << "Erase Free Space";
+        QTest::newRow("whole drive") << 1 << "Erase Hard Drive";
+    }
+
+    // The red button over the progress view asks; "Stop and Quit" cancels the run as its
+    // Cancel does: the run is recorded as failed (never erased), its fill folder goes, the
+    // window closes once the run has ended.
+    void quittingDuringARunCancelsItRecordsItAndCloses() {
+        QFETCH(int, tag);
+        QFETCH(QString, tool);
+        EraserLevel::store(35);  // a long run, so that the quit meets it under way
+        const QStringList before = results(tool);
+        MAAttachedWindow* confirm = openConfirmation(tag);
+        QVERIFY(confirm);
+        bool filling = false;
+        connect(m_page->freeSpaceWipe(), &FreeSpaceWipe::setRemoveProgress, this, [&] { filling = true; });
+        QTest::mouseClick(tag == 1 ? m_page->makeSureDiskPanel()->continueButton()
+                                   : m_page->makeSureFreeSpacePanel()->continueButton(),
+                          Qt::LeftButton);
+        const bool filled = waitUntil([&] { return filling; }, 120000);
+        EraserLevel::store(1);
+        QVERIFY(filled);
+
+        // The window is blocked by the progress view: the click lands on the red button's stand-in.
+        QWidget* standIn = m_window->closeStandIn();
+        QVERIFY(waitUntil([standIn] { return standIn->isVisible(); }, 5000));
+        QCOMPARE(standIn->geometry(), QRect(m_window->closeButton()->mapToGlobal(QPoint(0, 0)),
+                                            m_window->closeButton()->size()));
+        QTest::mouseClick(standIn->windowHandle(), Qt::LeftButton, {}, standIn->rect().center());
+        QVERIFY(waitUntil([this] { return m_window->quitQuestion() != nullptr; }, 5000));
+        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
+        QCOMPARE(stop->text(), QString("Stop and Quit"));
+        QVERIFY(m_window->isJobRunning());
+        stop->click();
+        QVERIFY(waitUntil([this] { return !m_window->isVisible(); }, 120000));
+        QVERIFY(!m_window->isJobRunning());
+        const QStringList after = results(tool);
+        QCOMPARE(after.size(), before.size() + 1);
+        QCOMPARE(after.last(), QString("Failed"));
+        if (tag == 2) QVERIFY(!QFileInfo::exists(m_mountPoint + "/.Velmora"));
     }
 
 private:

@@ -1,0 +1,35 @@
+#include "support/PageTestSupport.h"
+
+#include "gui/widgets/Style.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QThread>
+
+namespace velmora::test {
+
+void usePageFontAndStyle() {
+    QFont font = QApplication::font();
+    font.setPointSize(12);
+    QApplication::setFont(font);
+    Style::apply(*qApp);
+}
+
+bool waitUntil(const std::function<bool()>& condition, int timeoutMs) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        if (clock.hasExpired(timeoutMs)) return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(5);
+    }
+    return true;
+}
+
+void serveEventsFor(int ms) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!clock.hasExpired(ms)) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+}  // namespace velmora::test
