@@ -14,6 +14,7 @@
 #include <climits>
 #include <fcntl.h>
 #include <future>
+#include <memory>
 #include <unistd.h>
 
 namespace velmora::cli {
@@ -23,7 +24,7 @@ namespace {
 const char* const kUsage = "usage: velmora-cli dupes [--hidden] [--system] [--json] [--delete [--yes]] DIR";
 
 struct SearchResult {
-    SimpleTreeNode::Pointer tree;
+    std::unique_ptr<DuplicateResults> results;
     QStringList unreadable;
 };
 
@@ -40,8 +41,7 @@ SearchResult search(const QString& folder, bool hidden, bool system) {
     }
     searched.get();
     SearchResult result;
-    if (!finder.getDuplicateFiles(result.tree))
-        result.tree = SimpleTreeNode::create(SimpleNodeData::groupDataWithName("Root"));
+    if (!finder.getDuplicateFiles(result.results)) result.results = std::make_unique<DuplicateResults>(nullptr);
     result.unreadable = finder.unreadablePaths();
     return result;
 }
@@ -55,32 +55,31 @@ void reportUnreadable(const QStringList& unreadable) {
                  .arg(unreadable.size() == 1 ? "item" : "items", unreadable.size() == 1 ? "was" : "were"));
 }
 
-void printGroups(const SimpleTreeNode& tree) {
-    const QList<SimpleTreeNode::Pointer>& groups = tree.children();
+void printGroups(const DuplicateResults& results) {
+    const std::vector<DuplicateResults::Group>& groups = results.groups(DuplicateResults::None);
     printOut(QString("%1 duplicate group%2").arg(groups.size()).arg(groups.size() == 1 ? "" : "s"));
-    for (const SimpleTreeNode::Pointer& group : groups) {
-        const SimpleNodeData& data = group->data();
-        const QString kind = data.extendName == "APP" ? " (application)" : "";
+    for (DuplicateResults::Group group : groups) {
+        const QString kind = results.isBundleGroup(group) ? " (application)" : "";
         // One pass of arg(): a name holding "%1" is not taken for a place of the next value.
         printOut(QString("\n%1%2: %3 copies, %4 bytes")
-                     .arg(escapedPath(data.name), kind, QString::number(group->children().size()),
-                          QString::number(data.fileSize)));
-        const QList<SimpleTreeNode::Pointer>& leaves = group->children();
-        for (qsizetype i = 0; i < leaves.size(); ++i)
-            printOut(QString("  %1%2").arg(escapedPath(leaves[i]->data().name), i + 1 == leaves.size() ? "  (kept)" : ""));
+                     .arg(escapedPath(results.groupName(group)), kind, QString::number(results.copyCount(group)),
+                          QString::number(results.groupSize(group))));
+        const QList<DuplicateResults::Copy> copies = results.copies(group);
+        for (qsizetype i = 0; i < copies.size(); ++i)
+            printOut(QString("  %1%2").arg(escapedPath(results.path(copies[i])), i + 1 == copies.size() ? "  (kept)" : ""));
     }
 }
 
 // One group per line, written as it is made: a search with a million copies
 // needs no second copy of the whole result as one JSON document.
-void printGroupsJson(const SimpleTreeNode& tree) {
+void printGroupsJson(const DuplicateResults& results) {
     std::fputs("{\"groups\": [", stdout);
     const char* separator = "\n";
-    for (const SimpleTreeNode::Pointer& group : tree.children()) {
+    for (DuplicateResults::Group group : results.groups(DuplicateResults::None)) {
         QJsonArray files;
-        for (const SimpleTreeNode::Pointer& leaf : group->children()) files.append(escapedPath(leaf->data().name));
-        const QJsonObject object{{"name", escapedPath(group->data().name)},
-                                 {"size", double(group->data().fileSize)},
+        for (DuplicateResults::Copy copy : results.copies(group)) files.append(escapedPath(results.path(copy)));
+        const QJsonObject object{{"name", escapedPath(results.groupName(group))},
+                                 {"size", double(results.groupSize(group))},
                                  {"files", files}};
         std::fputs(separator, stdout);
         std::fputs(QJsonDocument(object).toJson(QJsonDocument::Compact).constData(), stdout);
@@ -91,32 +90,31 @@ void printGroupsJson(const SimpleTreeNode& tree) {
 
 // Removes what select-all selects: every copy but the last of each group,
 // each only while it still equals a copy that stays.
-int removeCopies(const SimpleTreeNode::Pointer& tree, bool json) {
-    DuplicateResults results(tree);
-    results.setAllSelectOrNoSelect(*tree, true);
-    const QList<SimpleTreeNode::Pointer> selected = results.allSelectNumArr();
-    const QList<DuplicateRemover::Removal> removals = DuplicateRemover::plan(selected);
+int removeCopies(DuplicateResults& results, bool json) {
+    results.setAllSelectOrNoSelect(DuplicateResults::None, true);
+    const QList<DuplicateResults::Copy> selected = results.allSelectNumArr();
+    const QList<DuplicateRemover::Removal> removals = DuplicateRemover::plan(results, selected);
     DuplicateRemover remover;
-    QList<SimpleTreeNode::Pointer> removed;
+    QList<DuplicateResults::Copy> removed;
     QStringList leftReasons;
     bool refusedByTheSystem = false;
     quint64 freed = 0;
     {
         ProgressBar bar("Removing");
         for (qsizetype i = 0; i < selected.size(); ++i) {
-            const SimpleTreeNode::Pointer& leaf = selected[i];
+            const QString& path = removals[i].copy.path;
             const DuplicateRemover::Verdict verdict = remover.remove(removals[i]);
-            bar.update(double(i + 1) * 100 / selected.size(), displayPath(leaf->data().name));
+            bar.update(double(i + 1) * 100 / selected.size(), displayPath(path));
             if (!verdict.removed()) {
-                leftReasons.append(QString("velmora-cli: left \"%1\": %2").arg(escapedPath(leaf->data().name), printable(verdict.reason)));
+                leftReasons.append(QString("velmora-cli: left \"%1\": %2").arg(escapedPath(path), printable(verdict.reason)));
                 refusedByTheSystem = refusedByTheSystem || verdict.outcome == DuplicateRemover::Outcome::Failed;
                 continue;
             }
-            removed.append(leaf);
-            freed += leaf->data().fileSize;
-            results.refreshOutlineView(*leaf);
+            removed.append(selected[i]);
+            freed += results.size(selected[i]);
         }
     }
+    results.refreshOutlineView(removed);
     const qsizetype left = results.forgetRemoved(removed);
     for (const QString& reason : std::as_const(leftReasons)) printErr(reason);
     const QString summary = QString("removed %1 of %2 copies, %3 bytes").arg(removed.size()).arg(selected.size()).arg(freed);
@@ -162,14 +160,14 @@ int runDupesCommand(QStringList args) {
     }
 
     const SearchResult found = search(folder, hidden, system);
-    const SimpleTreeNode::Pointer& tree = found.tree;
-    if (json) printGroupsJson(*tree);
-    else printGroups(*tree);
+    DuplicateResults& results = *found.results;
+    if (json) printGroupsJson(results);
+    else printGroups(results);
     reportUnreadable(found.unreadable);
 
-    if (!remove || tree->children().isEmpty()) return 0;
+    if (!remove || results.groups(DuplicateResults::None).empty()) return 0;
     if (!yes && !confirm("Remove every copy but the kept one of each group? This cannot be undone.")) return 0;
-    return removeCopies(tree, json);
+    return removeCopies(results, json);
 }
 
 }  // namespace velmora::cli

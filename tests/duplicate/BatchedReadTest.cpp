@@ -39,12 +39,12 @@ QList<QStringList> groupsFound(const QString& folder) {
     DuplicateFilesOpt finder;
     EXPECT_TRUE(finder.beginSearchAtPath(folder, 0));
     EXPECT_TRUE(finder.unreadablePaths().isEmpty()) << finder.unreadablePaths().join(", ").toStdString();
-    SimpleTreeNode::Pointer root;
+    std::unique_ptr<DuplicateResults> results;
     QList<QStringList> groups;
-    if (!finder.getDuplicateFiles(root)) return groups;
-    for (const SimpleTreeNode::Pointer& group : root->children()) {
-        QStringList leaves{group->data().name};
-        for (const SimpleTreeNode::Pointer& leaf : group->children()) leaves.append(leaf->data().name);
+    if (!finder.getDuplicateFiles(results)) return groups;
+    for (DuplicateResults::Group group : results->groups(DuplicateResults::None)) {
+        QStringList leaves{results->groupName(group)};
+        for (DuplicateResults::Copy copy : results->copies(group)) leaves.append(results->path(copy));
         groups.append(leaves);
     }
     return groups;

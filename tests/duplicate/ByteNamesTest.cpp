@@ -20,7 +20,7 @@ namespace {
 using Paths = std::set<std::string>;
 
 struct Found {
-    SimpleTreeNode::Pointer root;
+    std::unique_ptr<DuplicateResults> results;
     QStringList unreadable;
 };
 
@@ -28,17 +28,17 @@ Found searchIn(const std::string& folder) {
     DuplicateFilesOpt finder;
     finder.beginSearchAtPath(pathFromNative(QByteArray::fromStdString(folder)), 0);
     Found found;
-    EXPECT_TRUE(finder.getDuplicateFiles(found.root));
+    EXPECT_TRUE(finder.getDuplicateFiles(found.results));
     found.unreadable = finder.unreadablePaths();
     return found;
 }
 
 // Each group as the byte paths of its copies.
-std::vector<Paths> groupsOf(const SimpleTreeNode& root) {
+std::vector<Paths> groupsOf(const DuplicateResults& results) {
     std::vector<Paths> groups;
-    for (const SimpleTreeNode::Pointer& group : root.children()) {
+    for (DuplicateResults::Group group : results.groups(DuplicateResults::None)) {
         Paths paths;
-        for (const SimpleTreeNode::Pointer& leaf : group->children()) paths.insert(nativePath(leaf->data().name).toStdString());
+        for (DuplicateResults::Copy copy : results.copies(group)) paths.insert(results.nativePath(copy).toStdString());
         groups.push_back(paths);
     }
     return groups;
@@ -63,7 +63,8 @@ TEST(ByteNames, OddNamesAreOneGroupInTheEngineAndTheCliAndAreRemoved) {
     for (const std::string& path : copies) test::writeFile(path, content);
 
     const Found found = searchIn(dir.path());
-    EXPECT_EQ(groupsOf(*found.root), std::vector<Paths>{copies});
+    ASSERT_TRUE(found.results);
+    EXPECT_EQ(groupsOf(*found.results), std::vector<Paths>{copies});
     EXPECT_TRUE(found.unreadable.isEmpty()) << found.unreadable.join(' ').toStdString();
 
     // Names that are not plain text come back in the shell's $'...' form, the rest as they are.
@@ -121,15 +122,16 @@ TEST(ByteNames, TreeDeeperThanPathMaxIsSearchedWithFewDescriptorsAndACopyRemoved
 
     // The engine finds the same group and the remover takes the deepest copy away.
     const Found found = searchIn(dir.path());
-    ASSERT_EQ(groupsOf(*found.root), (std::vector<Paths>{{top, mid, deep}}));
-    DuplicateResults results(found.root);
-    SimpleTreeNode::Pointer deepLeaf;
-    for (const SimpleTreeNode::Pointer& leaf : found.root->children()[0]->children())
-        if (nativePath(leaf->data().name).toStdString() == deep) deepLeaf = leaf;
-    ASSERT_TRUE(deepLeaf);
-    results.setSelectState(*deepLeaf, true, true);
+    ASSERT_TRUE(found.results);
+    DuplicateResults& results = *found.results;
+    ASSERT_EQ(groupsOf(results), (std::vector<Paths>{{top, mid, deep}}));
+    QList<DuplicateResults::Copy> deepCopy;
+    for (DuplicateResults::Copy copy : results.copies(results.groups(DuplicateResults::None).front()))
+        if (results.nativePath(copy).toStdString() == deep) deepCopy.append(copy);
+    ASSERT_EQ(deepCopy.size(), 1);
+    results.setSelectState(deepCopy.first(), true, true);
     DuplicateRemover remover;
-    const DuplicateRemover::Verdict verdict = remover.remove(DuplicateRemover::plan({deepLeaf}).first());
+    const DuplicateRemover::Verdict verdict = remover.remove(DuplicateRemover::plan(results, deepCopy).first());
     EXPECT_TRUE(verdict.removed()) << verdict.reason.toStdString();
     EXPECT_FALSE(test::exists(deep));
     EXPECT_TRUE(test::exists(top) && test::exists(mid));

@@ -1,5 +1,6 @@
 #include "TrickyTree.h"
 #include "engine/duplicate/DuplicateFilesOpt.h"
+#include "engine/platform/NativePath.h"
 
 #include <atomic>
 #include <thread>
@@ -7,12 +8,12 @@
 namespace velmora {
 namespace {
 
-QList<test::TrickyTree::Group> groupsOf(const SimpleTreeNode& root) {
+QList<test::TrickyTree::Group> groupsOf(const DuplicateResults& results) {
     QList<test::TrickyTree::Group> groups;
-    for (const SimpleTreeNode::Pointer& group : root.children()) {
+    for (DuplicateResults::Group group : results.groups(DuplicateResults::None)) {
         QStringList leaves;
-        for (const SimpleTreeNode::Pointer& leaf : group->children()) leaves.append(leaf->data().name);
-        groups.append({group->data().name, leaves});
+        for (DuplicateResults::Copy copy : results.copies(group)) leaves.append(results.path(copy));
+        groups.append({results.groupName(group), leaves});
     }
     return groups;
 }
@@ -23,23 +24,27 @@ TEST(Detection, FindsExactlyTheTrueGroupsInOrder) {
     EXPECT_TRUE(finder.beginSearchAtPath(tricky.tree.path(), 0));
     EXPECT_EQ(finder.getProgress(), 100);
 
-    SimpleTreeNode::Pointer root;
-    ASSERT_TRUE(finder.getDuplicateFiles(root));
-    EXPECT_EQ(root->data().name, "Root");
+    std::unique_ptr<DuplicateResults> results;
+    ASSERT_TRUE(finder.getDuplicateFiles(results));
     const QList<test::TrickyTree::Group> expected = tricky.expectedGroups();
-    EXPECT_EQ(groupsOf(*root), expected);
+    EXPECT_EQ(groupsOf(*results), expected);
 
     // Bundle groups come first, as "APP" groups summing their bundles' sizes.
-    const SimpleTreeNode::Pointer& bundles = root->children().first();
-    EXPECT_EQ(bundles->data().extendName, "APP");
-    EXPECT_EQ(bundles->data().fileSize, 2u * 2500);
-    SimpleTreeNode::Pointer triple;
-    for (const SimpleTreeNode::Pointer& group : root->children())
-        if (group->children().size() == 3 && group->children().first()->data().fileSize == 3000) triple = group;
-    ASSERT_TRUE(triple);
-    EXPECT_EQ(triple->data().extendName, "txt");
-    EXPECT_EQ(triple->data().fileSize, 3u * 3000);
-    EXPECT_EQ(triple->children().first()->data().fileSize, 3000u);
+    const std::vector<DuplicateResults::Group>& groups = results->groups(DuplicateResults::None);
+    EXPECT_EQ(results->groupExtension(groups.front()), "APP");
+    EXPECT_EQ(results->groupSize(groups.front()), 2u * 2500);
+    EXPECT_TRUE(results->modified(results->copyAt(groups.front(), 0)).isNull());
+    int triples = 0;
+    for (DuplicateResults::Group group : groups) {
+        if (results->copyCount(group) != 3 || results->size(results->copyAt(group, 0)) != 3000) continue;
+        ++triples;
+        EXPECT_EQ(results->groupExtension(group), "txt");
+        EXPECT_EQ(results->groupSize(group), 3u * 3000);
+        const DuplicateResults::Copy copy = results->copyAt(group, 0);
+        EXPECT_EQ(results->modified(copy), QFileInfo(results->path(copy)).lastModified().toUTC());
+        EXPECT_EQ(results->nativePath(copy), nativePath(results->path(copy)));
+    }
+    EXPECT_EQ(triples, 1);
 
     // One search per object.
     EXPECT_FALSE(finder.beginSearchAtPath(tricky.tree.path(), 0));
@@ -59,22 +64,23 @@ TEST(Detection, RotatesTheRunsFirstFileToTheEnd) {
 
     DuplicateFilesOpt finder;
     finder.beginSearchAtPath(tree.path(), 0);
-    SimpleTreeNode::Pointer root;
-    ASSERT_TRUE(finder.getDuplicateFiles(root));
-    ASSERT_EQ(root->children().size(), 1);
-    const QList<SimpleTreeNode::Pointer>& leaves = root->children().first()->children();
-    ASSERT_EQ(leaves.size(), 3);
-    EXPECT_EQ(leaves[0]->data().name, files.path(2));
-    EXPECT_EQ(leaves[1]->data().name, files.path(0));
-    EXPECT_EQ(leaves[2]->data().name, files.path(1));
-    EXPECT_EQ(root->children().first()->data().name, files.name(1));
+    std::unique_ptr<DuplicateResults> results;
+    ASSERT_TRUE(finder.getDuplicateFiles(results));
+    ASSERT_EQ(results->groups(DuplicateResults::None).size(), 1u);
+    const DuplicateResults::Group group = results->groups(DuplicateResults::None).front();
+    const QList<DuplicateResults::Copy> copies = results->copies(group);
+    ASSERT_EQ(copies.size(), 3);
+    EXPECT_EQ(results->path(copies[0]), files.path(2));
+    EXPECT_EQ(results->path(copies[1]), files.path(0));
+    EXPECT_EQ(results->path(copies[2]), files.path(1));
+    EXPECT_EQ(results->groupName(group), files.name(1));
 }
 
 TEST(Detection, NothingToFind) {
     test::TestTree tree;
     tree.write("only", "one file");
     DuplicateFilesOpt finder;
-    SimpleTreeNode::Pointer root;
+    std::unique_ptr<DuplicateResults> root;
     EXPECT_FALSE(finder.getDuplicateFiles(root));  // no search yet
     EXPECT_TRUE(finder.beginSearchAtPath(tree.path(), 0));
     EXPECT_FALSE(finder.getDuplicateFiles(root));
@@ -98,13 +104,13 @@ TEST(Detection, StoppedSearchReportsOnlyCompleteGroups) {
     finder.beginSearchAtPath(tree.path(), 0);
     finished.store(true);
     stopper.join();
-    SimpleTreeNode::Pointer root;
-    if (!finder.getDuplicateFiles(root)) return;
-    for (const SimpleTreeNode::Pointer& group : root->children()) {
-        ASSERT_EQ(group->children().size(), 3);
+    std::unique_ptr<DuplicateResults> results;
+    if (!finder.getDuplicateFiles(results)) return;
+    for (DuplicateResults::Group group : results->groups(DuplicateResults::None)) {
+        ASSERT_EQ(results->copyCount(group), 3);
         QByteArray contents[3];
         for (int i = 0; i < 3; ++i) {
-            QFile file(group->children()[i]->data().name);
+            QFile file(results->path(results->copyAt(group, i)));
             ASSERT_TRUE(file.open(QIODevice::ReadOnly));
             contents[i] = file.readAll();
         }

@@ -13,30 +13,30 @@ namespace {
 using Outcome = DuplicateRemover::Outcome;
 
 struct Search {
-    SimpleTreeNode::Pointer root;
     std::unique_ptr<DuplicateResults> results;
 
     explicit Search(const QString& folder) {
         DuplicateFilesOpt finder;
         finder.beginSearchAtPath(folder, 0);
-        EXPECT_TRUE(finder.getDuplicateFiles(root));
-        if (root) results = std::make_unique<DuplicateResults>(root);
+        EXPECT_TRUE(finder.getDuplicateFiles(results));
     }
 
-    // The group holding the path, and the path's leaf in it.
-    SimpleTreeNode::Pointer leaf(const QString& path) const {
-        for (const SimpleTreeNode::Pointer& group : root->children())
-            for (const SimpleTreeNode::Pointer& leaf : group->children())
-                if (leaf->data().name == path) return leaf;
+    const std::vector<DuplicateResults::Group>& groups() const { return results->groups(DuplicateResults::None); }
+
+    // The path's copy in the group holding it.
+    DuplicateResults::Copy copy(const QString& path) const {
+        for (DuplicateResults::Group group : groups())
+            for (DuplicateResults::Copy copy : results->copies(group))
+                if (results->path(copy) == path) return copy;
         ADD_FAILURE() << "not in any group: " << path.toStdString();
-        return nullptr;
+        return 0;
     }
 
     // Removal of exactly this copy, the other copies of its group kept.
     DuplicateRemover::Removal removalOf(const QString& path) const {
-        const SimpleTreeNode::Pointer copy = leaf(path);
-        results->setSelectState(*copy, true, true);
-        return DuplicateRemover::plan({copy}).first();
+        const DuplicateResults::Copy chosen = copy(path);
+        results->setSelectState(chosen, true, true);
+        return DuplicateRemover::plan(*results, {chosen}).first();
     }
 };
 
@@ -70,7 +70,7 @@ TEST(Removal, ACopyOrKeptCopyChangedAfterTheSearchIsLeft) {
     const QString copy3 = tree.write("g3/copy", three), keptChanged = tree.write("g3/keep", three);
     const QString plain = tree.write("g4/copy", four), keep4 = tree.write("g4/keep", four);
     Search search(tree.path());
-    ASSERT_EQ(search.root->children().size(), 4);
+    ASSERT_EQ(search.groups().size(), 4u);
     const auto r1 = search.removalOf(bytesChanged), r2 = search.removalOf(touched), r3 = search.removalOf(copy3),
                r4 = search.removalOf(plain);
 
@@ -102,13 +102,13 @@ TEST(Removal, TheLastCopyIsNeverRemoved) {
     const QString lonely = tree.write("lonely/x", test::randomBytes(6000, 10));
     const QString vanishing = tree.write("lonely/y", test::randomBytes(6000, 10));
     Search search(tree.path());
-    QList<SimpleTreeNode::Pointer> all;
-    for (const QString& path : copies) all.append(search.leaf(path));
-    for (const SimpleTreeNode::Pointer& leaf : all) ASSERT_TRUE(search.results->setSelectState(*leaf, true, true));
+    QList<DuplicateResults::Copy> all;
+    for (const QString& path : copies) all.append(search.copy(path));
+    for (DuplicateResults::Copy copy : all) ASSERT_TRUE(search.results->setSelectState(copy, true, true));
 
     DuplicateRemover remover;
     QList<Outcome> outcomes;
-    for (const DuplicateRemover::Removal& removal : DuplicateRemover::plan(all)) outcomes.append(remover.remove(removal).outcome);
+    for (const DuplicateRemover::Removal& removal : DuplicateRemover::plan(*search.results, all)) outcomes.append(remover.remove(removal).outcome);
     EXPECT_EQ(outcomes, QList<Outcome>({Outcome::Removed, Outcome::Removed, Outcome::LastCopy}));
     EXPECT_EQ(contentOf(copies.last()), content);
 
@@ -158,11 +158,11 @@ TEST(Removal, BundlesAreComparedFileByFileAndRemovedWithoutFollowingLinks) {
     }
     for (const char* bundle : {"one/Edit.app", "two/Edit.app"}) tree.write(QString("%1/bin").arg(bundle), other);
     Search search(tree.path());
-    ASSERT_EQ(search.root->children().size(), 2);
+    ASSERT_EQ(search.groups().size(), 2u);
     QList<DuplicateRemover::Removal> removals;
-    for (const SimpleTreeNode::Pointer& group : search.root->children()) {
-        ASSERT_EQ(group->data().extendName, "APP");
-        removals.append(search.removalOf(group->children().first()->data().name));
+    for (DuplicateResults::Group group : search.groups()) {
+        ASSERT_EQ(search.results->groupExtension(group), "APP");
+        removals.append(search.removalOf(search.results->path(search.results->copyAt(group, 0))));
     }
     const DuplicateRemover::Removal& tool = removals[0].copy.path.endsWith("Tool.app") ? removals[0] : removals[1];
     const DuplicateRemover::Removal& edit = removals[0].copy.path.endsWith("Tool.app") ? removals[1] : removals[0];

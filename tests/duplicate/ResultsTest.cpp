@@ -1,108 +1,135 @@
 #include "engine/duplicate/DuplicateResults.h"
-#include "engine/duplicate/PathNames.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace velmora {
 namespace {
 
-// A result tree with one group per (name, number of copies); each copy is 10 bytes.
-SimpleTreeNode::Pointer makeTree(const QList<QPair<QString, int>>& groups) {
-    SimpleTreeNode::Pointer root = SimpleTreeNode::create(SimpleNodeData::groupDataWithName("Root"));
+using Group = DuplicateResults::Group;
+using Copy = DuplicateResults::Copy;
+
+// A result with one group per (name, number of copies): copy i of a group is
+// /copy<i>/<name>, 10 bytes; names ending in ".app" make bundle groups.
+std::unique_ptr<DuplicateResults> makeResults(const QList<QPair<QString, int>>& groups) {
+    auto listing = std::make_shared<FileListing>();
+    struct stat st {};
+    std::vector<quint32> folders;
+    std::vector<std::vector<quint32>> fileGroups;
     for (const auto& [name, copies] : groups) {
-        SimpleNodeData data = SimpleNodeData::groupDataWithName(name);
-        data.extendName = name.endsWith(".app") ? "APP" : PathNames::pathExtension(name);
-        SimpleTreeNode::Pointer group = SimpleTreeNode::create(data);
-        for (int i = 0; i < copies; ++i) {
-            SimpleNodeData leaf = SimpleNodeData::leafDataWithName(QString("/copy%1/%2").arg(i).arg(name));
-            leaf.fileSize = 10;
-            group->appendChild(SimpleTreeNode::create(leaf));
-            group->data().fileSize += 10;
+        std::vector<quint32> files;
+        for (int i = 0; i < copies && !name.endsWith(".app"); ++i) {
+            if (size_t(i) == folders.size()) folders.push_back(listing->addFolder(QString("/copy%1").arg(i).toUtf8(), st));
+            st.st_size = 10;
+            ++st.st_ino;
+            const QByteArray bytes = name.toUtf8();
+            files.push_back(quint32(listing->size()));
+            listing->addFile(folders[size_t(i)], bytes.constData(), size_t(bytes.size()), st);
         }
-        root->appendChild(group);
+        fileGroups.push_back(files);
     }
-    return root;
+    auto results = std::make_unique<DuplicateResults>(listing);
+    for (qsizetype g = 0; g < groups.size(); ++g) {
+        const auto& [name, copies] = groups[g];
+        if (!name.endsWith(".app")) {
+            results->addFileGroup(fileGroups[size_t(g)]);
+            continue;
+        }
+        QList<DuplicateResults::Bundle> bundles;
+        for (int i = 0; i < copies; ++i) bundles.append({QString("/copy%1/%2").arg(i).arg(name), name, 10, {}});
+        results->addBundleGroup(bundles);
+    }
+    results->finishGroups();
+    return results;
 }
 
-QStringList namesIn(const SimpleTreeNode& tree) {
+QStringList namesIn(const DuplicateResults& results, DuplicateResults::Category category) {
     QStringList names;
-    for (const SimpleTreeNode::Pointer& group : tree.children()) names.append(group->data().name);
+    for (Group group : results.groups(category)) names.append(results.groupName(group));
     return names;
 }
 
 TEST(Results, CategoryPlacement) {
-    DuplicateResults results(makeTree({{"report.PDF", 2}, {"song.mp3", 2}, {"clip.mov", 2}, {"backup.tar.gz", 2},
-                                       {"photo.jpg", 3}, {"data.zip", 2}, {"Tool.app", 2}, {"README", 2}}));
-    EXPECT_EQ(namesIn(*results.categoryTree(DuplicateResults::Documents)), QStringList{"report.PDF"});
-    EXPECT_EQ(namesIn(*results.categoryTree(DuplicateResults::Music)), QStringList{"song.mp3"});
-    EXPECT_EQ(namesIn(*results.categoryTree(DuplicateResults::Videos)), QStringList{"clip.mov"});
-    EXPECT_EQ(namesIn(*results.categoryTree(DuplicateResults::Archives)), QStringList{"data.zip"});
-    EXPECT_EQ(namesIn(*results.categoryTree(DuplicateResults::Pictures)), QStringList{"photo.jpg"});
-    EXPECT_EQ(namesIn(*results.categoryTree(DuplicateResults::Others)),
-              (QStringList{"backup.tar.gz", "Tool.app", "README"}));
-    EXPECT_EQ(results.categorySize(DuplicateResults::Pictures), 30u);
-    EXPECT_EQ(results.allTreeNode()->children().size(), 8);
+    const auto results = makeResults({{"report.PDF", 2}, {"song.mp3", 2}, {"clip.mov", 2}, {"backup.tar.gz", 2},
+                                      {"photo.jpg", 3}, {"data.zip", 2}, {"Tool.app", 2}, {"README", 2}});
+    EXPECT_EQ(namesIn(*results, DuplicateResults::Documents), QStringList{"report.PDF"});
+    EXPECT_EQ(namesIn(*results, DuplicateResults::Music), QStringList{"song.mp3"});
+    EXPECT_EQ(namesIn(*results, DuplicateResults::Videos), QStringList{"clip.mov"});
+    EXPECT_EQ(namesIn(*results, DuplicateResults::Archives), QStringList{"data.zip"});
+    EXPECT_EQ(namesIn(*results, DuplicateResults::Pictures), QStringList{"photo.jpg"});
+    EXPECT_EQ(namesIn(*results, DuplicateResults::Others), (QStringList{"backup.tar.gz", "Tool.app", "README"}));
+    EXPECT_EQ(results->categorySize(DuplicateResults::Pictures), 30u);
+    EXPECT_EQ(results->groups(DuplicateResults::None).size(), 8u);
     // Tabs cross the numbers of Music and Videos.
-    EXPECT_EQ(results.treeForTab(2), results.categoryTree(DuplicateResults::Videos));
-    EXPECT_EQ(results.treeForTab(3), results.categoryTree(DuplicateResults::Music));
-    EXPECT_EQ(results.treeForTab(0), results.allTreeNode());
-    EXPECT_EQ(results.categoryTree(DuplicateResults::Music)->children().first()->parent(), results.allTreeNode().get());
+    EXPECT_EQ(&results->groupsForTab(2), &results->groups(DuplicateResults::Videos));
+    EXPECT_EQ(&results->groupsForTab(3), &results->groups(DuplicateResults::Music));
+    EXPECT_EQ(&results->groupsForTab(0), &results->groups(DuplicateResults::None));
+    const Group photo = results->groups(DuplicateResults::Pictures).front();
+    EXPECT_EQ(results->groupExtension(photo), "jpg");
+    EXPECT_EQ(results->path(results->copyAt(photo, 2)), "/copy2/photo.jpg");
+    const Group tool = results->groups(DuplicateResults::Others)[1];
+    EXPECT_EQ(results->groupExtension(tool), "APP");
+    EXPECT_EQ(results->path(results->copyAt(tool, 1)), "/copy1/Tool.app");
 }
 
 TEST(Results, SelectAllKeepsTheLastCopyOfEachGroup) {
-    DuplicateResults results(makeTree({{"a.txt", 3}, {"b.jpg", 2}}));
-    const SimpleTreeNode& all = *results.allTreeNode();
-    results.setAllSelectOrNoSelect(all, true);
-    const SimpleTreeNode& group = *all.children()[0];
-    EXPECT_EQ(group.data().showSelectNumStr, "2/3");
-    EXPECT_EQ(group.data().selectNum, SimpleNodeData::PartlySelected);
-    EXPECT_EQ(group.children()[2]->data().selectNum, SimpleNodeData::NotSelected);
-    ASSERT_EQ(results.allSelectNumArr().size(), 3);
-    EXPECT_EQ(results.allSelectNumArr()[0], group.children()[0]);
-    EXPECT_EQ(results.allSelectNumArr()[2], all.children()[1]->children()[0]);
+    auto results = makeResults({{"a.txt", 3}, {"b.jpg", 2}});
+    results->setAllSelectOrNoSelect(DuplicateResults::None, true);
+    const Group group = results->groups(DuplicateResults::None)[0];
+    const QList<Copy> copies = results->copies(group);
+    EXPECT_EQ(results->groupLabel(group), "2/3");
+    EXPECT_EQ(results->groupState(group), DuplicateResults::PartlySelected);
+    EXPECT_FALSE(results->isSelected(copies[2]));
+    ASSERT_EQ(results->allSelectNumArr().size(), 3);
+    EXPECT_EQ(results->allSelectNumArr()[0], copies[0]);
+    EXPECT_EQ(results->allSelectNumArr()[2], results->copyAt(results->groups(DuplicateResults::None)[1], 0));
 
     // Ticking the last unselected copy needs confirmation.
-    SimpleTreeNode& kept = *group.children()[2];
-    EXPECT_FALSE(results.setSelectState(kept, true));
-    EXPECT_EQ(kept.data().selectNum, SimpleNodeData::NotSelected);
-    EXPECT_TRUE(results.setSelectState(kept, true, true));
-    EXPECT_EQ(group.data().selectNum, SimpleNodeData::Selected);
-    EXPECT_EQ(group.data().showSelectNumStr, "3/3");
-    EXPECT_TRUE(results.setSelectState(*group.children()[0], false));
-    EXPECT_EQ(group.data().showSelectNumStr, "2/3");
+    EXPECT_FALSE(results->setSelectState(copies[2], true));
+    EXPECT_FALSE(results->isSelected(copies[2]));
+    EXPECT_TRUE(results->setSelectState(copies[2], true, true));
+    EXPECT_EQ(results->groupState(group), DuplicateResults::Selected);
+    EXPECT_EQ(results->groupLabel(group), "3/3");
+    EXPECT_TRUE(results->setSelectState(copies[0], false));
+    EXPECT_EQ(results->groupLabel(group), "2/3");
+    // The selection keeps the order of ticking: the copy ticked again comes last.
+    EXPECT_TRUE(results->setSelectState(copies[0], true, true));
+    EXPECT_EQ(results->allSelectNumArr().last(), copies[0]);
 
-    results.setAllSelectOrNoSelect(all, false);
-    EXPECT_TRUE(results.allSelectNumArr().isEmpty());
-    EXPECT_EQ(group.data().selectNum, SimpleNodeData::NotSelected);
-    EXPECT_EQ(group.data().showSelectNumStr, "0/3");
+    results->setAllSelectOrNoSelect(DuplicateResults::None, false);
+    EXPECT_TRUE(results->allSelectNumArr().isEmpty());
+    EXPECT_EQ(results->groupState(group), DuplicateResults::NotSelected);
+    EXPECT_EQ(results->groupLabel(group), "0/3");
 }
 
 TEST(Results, RemovalBookkeeping) {
-    DuplicateResults results(makeTree({{"a.txt", 3}, {"b.jpg", 3}}));
-    const SimpleTreeNode::Pointer all = results.allTreeNode();
-    const SimpleTreeNode::Pointer pictures = results.categoryTree(DuplicateResults::Pictures);
-    results.setAllSelectOrNoSelect(*all, true);
-    const QList<SimpleTreeNode::Pointer> selected = results.allSelectNumArr();
-    ASSERT_EQ(selected.size(), 4);
+    auto results = makeResults({{"a.txt", 3}, {"b.jpg", 3}, {"c.txt", 4}});
+    results->setAllSelectOrNoSelect(DuplicateResults::None, true);
+    const QList<Copy> selected = results->allSelectNumArr();
+    ASSERT_EQ(selected.size(), 7);
+    const Group first = results->groupOf(selected[0]);
 
     // Removing both selected copies of a select-all group drops the group
-    // from the whole tree and from its category tree.
-    results.refreshOutlineView(*selected[0]);
-    const SimpleTreeNode::Pointer first = all->children()[0];
-    EXPECT_EQ(first->children().size(), 2);
-    EXPECT_EQ(first->data().fileSize, 20u);
-    EXPECT_EQ(first->data().showSelectNumStr, "1/2");
-    results.refreshOutlineView(*selected[1]);
-    EXPECT_EQ(namesIn(*all), QStringList{"b.jpg"});
-    EXPECT_TRUE(results.categoryTree(DuplicateResults::Documents)->children().isEmpty());
+    // from every list of groups.
+    results->refreshOutlineView({selected[0]});
+    EXPECT_EQ(results->copyCount(first), 2);
+    EXPECT_EQ(results->rowOfCopy(selected[1]), 0);
+    EXPECT_EQ(results->copyAt(first, 0), selected[1]);
+    EXPECT_EQ(results->groupSize(first), 20u);
+    EXPECT_EQ(results->groupLabel(first), "1/2");
+    results->refreshOutlineView({selected[1]});
+    EXPECT_TRUE(results->isDropped(first));
+    EXPECT_EQ(namesIn(*results, DuplicateResults::None), (QStringList{"b.jpg", "c.txt"}));
+    EXPECT_EQ(namesIn(*results, DuplicateResults::Documents), QStringList{"c.txt"});
 
-    // Only one copy of the other group could be removed: it stays, with a
-    // label that says whether any copy is still selected.
-    results.refreshOutlineView(*selected[2]);
-    EXPECT_EQ(all->children()[0]->data().showSelectNumStr, "1/2");
-    EXPECT_EQ(pictures->children().size(), 1);
-    EXPECT_EQ(results.forgetRemoved({selected[0], selected[1], selected[2]}), 1);
-    EXPECT_EQ(results.allSelectNumArr().first(), selected[3]);
+    // Only one copy of the picture could be removed: it stays, with a label
+    // that says whether any copy is still selected, not how many.
+    results->refreshOutlineView({selected[2], selected[4]});
+    EXPECT_EQ(results->groupLabel(results->groupOf(selected[2])), "1/2");
+    EXPECT_EQ(results->groupLabel(results->groupOf(selected[4])), "1/3");
+    EXPECT_EQ(results->groups(DuplicateResults::Pictures).size(), 1u);
+    EXPECT_EQ(results->forgetRemoved({selected[0], selected[1], selected[2], selected[4]}), 3);
+    EXPECT_EQ(results->allSelectNumArr(), (QList<Copy>{selected[3], selected[5], selected[6]}));
 }
 
 }  // namespace

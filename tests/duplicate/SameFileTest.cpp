@@ -23,12 +23,12 @@ QStringList listedPaths(const QString& folder) {
 QList<QStringList> groupsFound(const QString& folder) {
     DuplicateFilesOpt finder;
     finder.beginSearchAtPath(folder, 0);
-    SimpleTreeNode::Pointer root;
+    std::unique_ptr<DuplicateResults> results;
     QList<QStringList> groups;
-    if (!finder.getDuplicateFiles(root)) return groups;
-    for (const SimpleTreeNode::Pointer& group : root->children()) {
+    if (!finder.getDuplicateFiles(results)) return groups;
+    for (DuplicateResults::Group group : results->groups(DuplicateResults::None)) {
         QStringList leaves;
-        for (const SimpleTreeNode::Pointer& leaf : group->children()) leaves.append(leaf->data().name);
+        for (DuplicateResults::Copy copy : results->copies(group)) leaves.append(results->path(copy));
         groups.append(leaves);
     }
     return groups;

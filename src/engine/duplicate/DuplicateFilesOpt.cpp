@@ -1,7 +1,6 @@
 #include "engine/duplicate/DuplicateFilesOpt.h"
 
 #include "engine/duplicate/DuplicateLog.h"
-#include "engine/duplicate/PathNames.h"
 
 namespace velmora {
 
@@ -41,61 +40,33 @@ QString DuplicateFilesOpt::getCurrentSearchFile() {
     return m_lastPath;
 }
 
-namespace {
-
-SimpleTreeNode::Pointer makeLeaf(const QString& path, quint64 size, const QDateTime& modified,
-                                 const FileIdentity& identity) {
-    SimpleNodeData data = SimpleNodeData::leafDataWithName(path);
-    data.fileSize = size;
-    data.modificationDate = modified;
-    data.identity = identity;
-    return SimpleTreeNode::create(std::move(data));
-}
-
-SimpleTreeNode::Pointer makeLeaf(const fileAttrbItem& file) {
-    return makeLeaf(file.filePathName, file.fileSize, file.ModificationDate, file.identity);
-}
-
-SimpleTreeNode::Pointer makeGroup(const QString& name, const QString& extension) {
-    SimpleNodeData data = SimpleNodeData::groupDataWithName(name);
-    data.extendName = extension;
-    return SimpleTreeNode::create(std::move(data));
-}
-
-void appendLeaf(SimpleTreeNode& group, const SimpleTreeNode::Pointer& leaf) {
-    group.data().fileSize += leaf->data().fileSize;
-    group.appendChild(leaf);
-}
-
-}  // namespace
-
 QStringList DuplicateFilesOpt::unreadablePaths() const {
     return m_search ? m_search->unreadablePaths() : QStringList();
 }
 
-bool DuplicateFilesOpt::getDuplicateFiles(SimpleTreeNode::Pointer& out) {
+bool DuplicateFilesOpt::getDuplicateFiles(std::unique_ptr<DuplicateResults>& out) {
     if (!m_search) return false;
     const QList<QList<AppAttrbItem>>& appGroups = m_search->getAllAppDuplicateDir();
     if (m_search->duplicateGroupCount() == 0 && appGroups.isEmpty()) return false;
 
-    SimpleTreeNode::Pointer root = makeGroup("Root", {});
+    auto results = std::make_unique<DuplicateResults>(m_search->listing());
     for (const QList<AppAttrbItem>& members : appGroups) {
-        SimpleTreeNode::Pointer group = makeGroup(members.last().DirectoryName, "APP");
+        QList<DuplicateResults::Bundle> bundles;
         for (const AppAttrbItem& bundle : members)
-            appendLeaf(*group, makeLeaf(bundle.DirectoryPathName, bundle.DirectorySize, {}, bundle.identity));
-        root->appendChild(group);
+            bundles.append({bundle.DirectoryPathName, bundle.DirectoryName, bundle.DirectorySize, bundle.identity});
+        results->addBundleGroup(bundles);
     }
-
     // The group's first file is placed last, after the others, and names it.
+    std::vector<quint32> copies;
     for (qsizetype g = 0; g < m_search->duplicateGroupCount(); ++g) {
-        const QList<fileAttrbItem> files = m_search->duplicateGroup(g);
-        const fileAttrbItem& first = files.first();
-        SimpleTreeNode::Pointer group = makeGroup(first.fileName, PathNames::pathExtension(first.fileName));
-        for (qsizetype i = 1; i < files.size(); ++i) appendLeaf(*group, makeLeaf(files[i]));
-        appendLeaf(*group, makeLeaf(first));
-        root->appendChild(group);
+        const std::vector<quint32> files = m_search->duplicateGroup(g);
+        copies.assign(files.begin() + 1, files.end());
+        copies.push_back(files.front());
+        results->addFileGroup(copies);
     }
-    out = root;
+    results->finishGroups();
+    qCInfo(lcDuplicate, "result of %lld groups in %zu bytes", qlonglong(results->groupCapacity()), results->bytesUsed());
+    out = std::move(results);
     return true;
 }
 

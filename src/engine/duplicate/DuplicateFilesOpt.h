@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/duplicate/SimpleTreeNode.h"
+#include "engine/duplicate/DuplicateResults.h"
 #include "engine/duplicate/duplicateFind.h"
 
 #include <QMutex>
@@ -34,12 +34,12 @@ public:
     // The path being examined, or the last one seen when there is none now.
     QString getCurrentSearchFile();
 
-    // Builds the tree "Root" -> groups -> one leaf per copy: the bundle
-    // groups first, then the file groups. In a file group the leaves are the
-    // group's later copies in order, then its first copy found, then its
-    // second: the last leaf is the copy to keep. False when no search ran or
-    // nothing was found.
-    bool getDuplicateFiles(SimpleTreeNode::Pointer& out);
+    // Builds the result: the bundle groups first, then the file groups. In
+    // a file group the copies are the group's later copies in order, then
+    // its first copy found, then its second: the last copy is the one to
+    // keep. The result shares the search's listing. False when no search ran
+    // or nothing was found.
+    bool getDuplicateFiles(std::unique_ptr<DuplicateResults>& out);
 
     // After the search: the files it could not read and the folders it could
     // not list (their copies, if any, are not in the tree).

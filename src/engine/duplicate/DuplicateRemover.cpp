@@ -235,19 +235,21 @@ DuplicateRemover::Verdict unlinkBundle(const OpenedCopy& opened, const QString& 
 
 }  // namespace
 
-QList<DuplicateRemover::Removal> DuplicateRemover::plan(const QList<SimpleTreeNode::Pointer>& selected) {
+QList<DuplicateRemover::Removal> DuplicateRemover::plan(const DuplicateResults& results,
+                                                        const QList<DuplicateResults::Copy>& selected) {
     QList<Removal> removals;
-    for (const SimpleTreeNode::Pointer& leaf : selected) {
-        const SimpleTreeNode* group = leaf->parent();
+    removals.reserve(selected.size());
+    for (DuplicateResults::Copy copy : selected) {
+        const DuplicateResults::Group group = results.groupOf(copy);
         Removal removal;
-        removal.copy = {leaf->data().name, leaf->data().identity};
-        removal.isBundle = group && group->data().extendName == "APP";
+        removal.copy = {results.path(copy), results.identity(copy)};
+        removal.isBundle = results.isBundleGroup(group);
         QList<Copy> selectedOthers;
-        if (group) {
-            for (const SimpleTreeNode::Pointer& sibling : group->children()) {
-                if (sibling == leaf) continue;
-                const Copy other{sibling->data().name, sibling->data().identity};
-                if (sibling->data().selectNum == SimpleNodeData::Selected) selectedOthers.append(other);
+        if (!results.isDropped(group) && !results.isRemoved(copy)) {
+            for (DuplicateResults::Copy sibling : results.copies(group)) {
+                if (sibling == copy) continue;
+                const Copy other{results.path(sibling), results.identity(sibling)};
+                if (results.isSelected(sibling)) selectedOthers.append(other);
                 else removal.others.append(other);
             }
         }

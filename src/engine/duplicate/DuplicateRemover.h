@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/duplicate/FileIdentity.h"
-#include "engine/duplicate/SimpleTreeNode.h"
+#include "engine/duplicate/DuplicateResults.h"
 
 #include <QList>
 #include <QPair>
@@ -42,8 +42,8 @@ public:
         bool isBundle = false;
     };
 
-    // The removals for the selected leaves of a result tree, in their order.
-    static QList<Removal> plan(const QList<SimpleTreeNode::Pointer>& selected);
+    // The removals for copies of a result, in their order.
+    static QList<Removal> plan(const DuplicateResults& results, const QList<DuplicateResults::Copy>& selected);
 
     // Removes one copy if it is safe (see above). Copies this remover has
     // removed no longer count as copies of their group.

@@ -1,6 +1,10 @@
 #include "engine/duplicate/DuplicateResults.h"
 
+#include "engine/duplicate/PathNames.h"
+#include "engine/platform/NativePath.h"
+
 #include <QStringList>
+#include <algorithm>
 
 namespace velmora {
 
@@ -18,12 +22,46 @@ const QStringList kArchiveExtensions = {"zip", "rar", "tar", "tar.gz", "tar.bz2"
 const QStringList kPictureExtensions = {"bmp", "jpg", "png", "ico", "gif", "tiff", "jpeg", "tga", "exif",
                                         "fpx", "svg", "psd", "cdr", "pcd", "dxf",  "ufo",  "eps"};
 
-QString countLabel(qsizetype selected, qsizetype all) { return QString("%1/%2").arg(selected).arg(all); }
-
 }  // namespace
 
-DuplicateResults::DuplicateResults(SimpleTreeNode::Pointer allTreeNode) : m_allTreeNode(std::move(allTreeNode)) {
-    constructSubtrees();
+DuplicateResults::DuplicateResults(std::shared_ptr<const FileListing> files) : m_files(std::move(files)) {}
+
+void DuplicateResults::addBundleGroup(const QList<Bundle>& bundles) {
+    GroupRecord group;
+    group.firstCopy = Copy(m_copies.size());
+    group.bundle = true;
+    for (const Bundle& bundle : bundles) {
+        m_copies.push_back({quint32(m_bundles.size()), Group(m_groups.size()), 0, false});
+        m_bundles.push_back(bundle);
+        group.size += bundle.size;
+    }
+    group.copyCount = group.liveCount = quint32(bundles.size());
+    m_groups.push_back(group);
+}
+
+void DuplicateResults::addFileGroup(const std::vector<quint32>& files) {
+    GroupRecord group;
+    group.firstCopy = Copy(m_copies.size());
+    for (quint32 file : files) {
+        m_copies.push_back({file, Group(m_groups.size()), 0, false});
+        group.size += m_files->file(file).size;
+    }
+    group.copyCount = group.liveCount = quint32(files.size());
+    m_groups.push_back(group);
+}
+
+void DuplicateResults::finishGroups() {
+    m_copies.shrink_to_fit();
+    m_groups.shrink_to_fit();
+    std::vector<Group>& all = m_categoryGroups[None];
+    all.resize(m_groups.size());
+    for (Group group = 0; group < m_groups.size(); ++group) {
+        all[group] = group;
+        const Category category = categoryOfExtension(groupExtension(group));
+        m_groups[group].category = quint8(category);
+        m_categoryGroups[category].push_back(group);
+        m_categorySizes[category] += m_groups[group].size;
+    }
 }
 
 DuplicateResults::Category DuplicateResults::categoryOfExtension(const QString& extendName) {
@@ -54,106 +92,162 @@ QString DuplicateResults::categoryLabel(Category category) {
     return {};
 }
 
-const SimpleTreeNode::Pointer& DuplicateResults::treeForTab(int tab) const {
-    return m_categoryTrees[categoryOfTab(tab)];
+void DuplicateResults::reorder(Category category, std::vector<Group> order) {
+    m_categoryGroups[category] = std::move(order);
 }
 
-void DuplicateResults::constructSubtrees() {
-    m_categoryTrees[None] = m_allTreeNode;
-    for (int category = Documents; category <= Others; ++category) getTypeFile(Category(category));
+QString DuplicateResults::groupName(Group group) const {
+    const GroupRecord& record = m_groups[group];
+    const CopyRecord& kept = m_copies[record.firstCopy + record.copyCount - 1];
+    return record.bundle ? m_bundles[kept.source].name : m_files->name(kept.source);
 }
 
-void DuplicateResults::getTypeFile(Category category) {
-    SimpleTreeNode::Pointer tree = SimpleTreeNode::create(SimpleNodeData::groupDataWithName(categoryLabel(category)));
-    for (const SimpleTreeNode::Pointer& group : m_allTreeNode->children()) {
-        SimpleNodeData& data = group->data();
-        if (data.Mark) continue;
-        if (category != Others && categoryOfExtension(data.extendName) != category) continue;
-        data.Mark = true;
-        data.fileType = category;
-        tree->appendChild(group);
-        m_categorySizes[category] += data.fileSize;
+QString DuplicateResults::groupExtension(Group group) const {
+    return m_groups[group].bundle ? QStringLiteral("APP") : PathNames::pathExtension(groupName(group));
+}
+
+QString DuplicateResults::groupLabel(Group group) const {
+    return QString("%1/%2").arg(m_groups[group].labelSelected).arg(m_groups[group].liveCount);
+}
+
+QList<DuplicateResults::Copy> DuplicateResults::copies(Group group) const {
+    const GroupRecord& record = m_groups[group];
+    QList<Copy> live;
+    live.reserve(record.liveCount);
+    for (Copy copy = record.firstCopy; copy < record.firstCopy + record.copyCount; ++copy)
+        if (!m_copies[copy].removed) live.append(copy);
+    return live;
+}
+
+DuplicateResults::Copy DuplicateResults::copyAt(Group group, qsizetype row) const {
+    const GroupRecord& record = m_groups[group];
+    for (Copy copy = record.firstCopy; copy < record.firstCopy + record.copyCount; ++copy)
+        if (!m_copies[copy].removed && row-- == 0) return copy;
+    Q_ASSERT(false);
+    return record.firstCopy;
+}
+
+qsizetype DuplicateResults::rowOfCopy(Copy copy) const {
+    if (m_copies[copy].removed) return -1;
+    qsizetype row = 0;
+    for (Copy before = m_groups[m_copies[copy].group].firstCopy; before < copy; ++before)
+        if (!m_copies[before].removed) ++row;
+    return row;
+}
+
+QString DuplicateResults::path(Copy copy) const {
+    const CopyRecord& record = m_copies[copy];
+    return m_groups[record.group].bundle ? m_bundles[record.source].path : m_files->path(record.source);
+}
+
+QByteArray DuplicateResults::nativePath(Copy copy) const {
+    const CopyRecord& record = m_copies[copy];
+    return m_groups[record.group].bundle ? velmora::nativePath(m_bundles[record.source].path)
+                                         : m_files->nativePath(record.source);
+}
+
+quint64 DuplicateResults::size(Copy copy) const {
+    const CopyRecord& record = m_copies[copy];
+    return m_groups[record.group].bundle ? m_bundles[record.source].size : m_files->file(record.source).size;
+}
+
+FileIdentity DuplicateResults::identity(Copy copy) const {
+    const CopyRecord& record = m_copies[copy];
+    return m_groups[record.group].bundle ? m_bundles[record.source].identity : m_files->identity(record.source);
+}
+
+QDateTime DuplicateResults::modified(Copy copy) const {
+    if (m_groups[m_copies[copy].group].bundle) return {};
+    return QDateTime::fromMSecsSinceEpoch(identity(copy).modificationMSecs(), Qt::UTC);
+}
+
+void DuplicateResults::setCopySelected(Copy copy, bool select) {
+    CopyRecord& record = m_copies[copy];
+    if (select == (record.selectedAt != 0)) return;
+    record.selectedAt = select ? ++m_selectionClock : 0;
+    m_selectionSize += select ? 1 : -1;
+    if (!record.removed) m_groups[record.group].selectedCount += select ? 1 : -1;
+}
+
+void DuplicateResults::updateGroupState(Group group) {
+    GroupRecord& record = m_groups[group];
+    record.state = record.selectedCount == 0                ? NotSelected
+                   : record.selectedCount == record.liveCount ? Selected
+                                                              : PartlySelected;
+    record.labelSelected = record.selectedCount;
+}
+
+void DuplicateResults::setAllSelectOrNoSelect(Category category, bool select) {
+    for (Group group : m_categoryGroups[category]) {
+        const GroupRecord& record = m_groups[group];
+        quint32 live = 0;
+        for (Copy copy = record.firstCopy; copy < record.firstCopy + record.copyCount; ++copy)
+            if (!m_copies[copy].removed) setCopySelected(copy, select && ++live < record.liveCount);
+        updateGroupState(group);
     }
-    m_categoryTrees[category] = tree;
 }
 
-void DuplicateResults::setLeafSelected(const SimpleTreeNode::Pointer& leaf, bool select) {
-    const bool wasSelected = leaf->data().selectNum == SimpleNodeData::Selected;
-    if (select == wasSelected) return;
-    leaf->data().selectNum = select ? SimpleNodeData::Selected : SimpleNodeData::NotSelected;
-    if (select) m_selected.append(leaf);
-    else m_selected.removeOne(leaf);
-}
-
-void DuplicateResults::updateGroupState(SimpleTreeNode& group) {
-    qsizetype selected = 0;
-    for (const SimpleTreeNode::Pointer& leaf : group.children())
-        if (leaf->data().selectNum == SimpleNodeData::Selected) ++selected;
-    const qsizetype all = group.children().size();
-    SimpleNodeData& data = group.data();
-    data.selectNum = selected == 0     ? SimpleNodeData::NotSelected
-                     : selected == all ? SimpleNodeData::Selected
-                                       : SimpleNodeData::PartlySelected;
-    data.showSelectNumStr = countLabel(selected, all);
-}
-
-void DuplicateResults::setAllSelectOrNoSelect(const SimpleTreeNode& tree, bool select) {
-    for (const SimpleTreeNode::Pointer& group : tree.children()) {
-        const QList<SimpleTreeNode::Pointer>& leaves = group->children();
-        for (qsizetype i = 0; i < leaves.size(); ++i) setLeafSelected(leaves[i], select && i + 1 < leaves.size());
-        updateGroupState(*group);
-    }
-}
-
-bool DuplicateResults::setSelectState(SimpleTreeNode& leaf, bool select, bool confirmed) {
-    SimpleTreeNode* group = leaf.parent();
-    if (!group) return false;
-    const SimpleTreeNode::Pointer* shared = nullptr;
-    qsizetype selected = 0;
-    for (const SimpleTreeNode::Pointer& sibling : group->children()) {
-        if (sibling.get() == &leaf) shared = &sibling;
-        if (sibling->data().selectNum == SimpleNodeData::Selected) ++selected;
-    }
-    if (!shared) return false;
-    const bool leavesNoCopy = select && leaf.data().selectNum != SimpleNodeData::Selected &&
-                              selected >= group->children().size() - 1;
+bool DuplicateResults::setSelectState(Copy copy, bool select, bool confirmed) {
+    const CopyRecord& record = m_copies[copy];
+    const GroupRecord& group = m_groups[record.group];
+    if (record.removed || group.dropped) return false;
+    const bool leavesNoCopy = select && record.selectedAt == 0 && group.selectedCount + 1 >= group.liveCount;
     if (leavesNoCopy && !confirmed) return false;
-    setLeafSelected(*shared, select);
-    updateGroupState(*group);
+    setCopySelected(copy, select);
+    updateGroupState(record.group);
     return true;
 }
 
-void DuplicateResults::refreshOutlineView(SimpleTreeNode& leaf) {
-    SimpleTreeNode* group = leaf.parent();
-    if (!group) return;
-    SimpleNodeData& data = group->data();
-    data.fileSize -= qMin(data.fileSize, leaf.data().fileSize);
-    const bool wasPartlySelected = data.selectNum == SimpleNodeData::PartlySelected;
-    group->removeChild(&leaf);
-    const QList<SimpleTreeNode::Pointer>& left = group->children();
-    if (left.isEmpty() || (wasPartlySelected && left.size() == 1)) {
-        deleteParentNode(*group);
+QList<DuplicateResults::Copy> DuplicateResults::allSelectNumArr() const {
+    std::vector<std::pair<quint32, Copy>> ordered;
+    ordered.reserve(size_t(m_selectionSize));
+    for (Copy copy = 0; copy < m_copies.size(); ++copy)
+        if (m_copies[copy].selectedAt != 0) ordered.emplace_back(m_copies[copy].selectedAt, copy);
+    std::sort(ordered.begin(), ordered.end());
+    QList<Copy> selected;
+    selected.reserve(qsizetype(ordered.size()));
+    for (const auto& entry : ordered) selected.append(entry.second);
+    return selected;
+}
+
+void DuplicateResults::afterRemoval(Copy copy) {
+    CopyRecord& removed = m_copies[copy];
+    GroupRecord& group = m_groups[removed.group];
+    if (removed.removed || group.dropped) return;
+    removed.removed = true;
+    group.size -= qMin(group.size, size(copy));
+    --group.liveCount;
+    if (removed.selectedAt != 0) --group.selectedCount;
+    const bool wasPartlySelected = group.state == PartlySelected;
+    if (group.liveCount == 0 || (wasPartlySelected && group.liveCount == 1)) {
+        group.dropped = true;
         return;
     }
     // The label says whether any copy is still selected, not how many.
-    bool anySelected = false;
-    for (const SimpleTreeNode::Pointer& remaining : left)
-        anySelected = anySelected || remaining->data().selectNum == SimpleNodeData::Selected;
-    data.selectNum = anySelected ? SimpleNodeData::PartlySelected : SimpleNodeData::NotSelected;
-    data.showSelectNumStr = countLabel(anySelected ? 1 : 0, left.size());
+    group.state = group.selectedCount > 0 ? PartlySelected : NotSelected;
+    group.labelSelected = group.selectedCount > 0 ? 1 : 0;
 }
 
-void DuplicateResults::deleteParentNode(SimpleTreeNode& group) {
-    // A copy left in a dropped group no longer points at it.
-    while (!group.children().isEmpty()) group.removeChild(group.children().first().get());
-    const int category = group.data().fileType;
-    if (category > None && category < kTabCount) m_categoryTrees[category]->removeChild(&group);
-    m_allTreeNode->removeChild(&group);
+void DuplicateResults::refreshOutlineView(const QList<Copy>& removed) {
+    bool anyDropped = false;
+    for (Copy copy : removed) {
+        afterRemoval(copy);
+        anyDropped = anyDropped || m_groups[m_copies[copy].group].dropped;
+    }
+    if (!anyDropped) return;
+    for (std::vector<Group>& shown : m_categoryGroups)
+        std::erase_if(shown, [this](Group group) { return m_groups[group].dropped; });
 }
 
-qsizetype DuplicateResults::forgetRemoved(const QList<SimpleTreeNode::Pointer>& removed) {
-    for (const SimpleTreeNode::Pointer& leaf : removed) m_selected.removeOne(leaf);
-    return m_selected.size();
+qsizetype DuplicateResults::forgetRemoved(const QList<Copy>& removed) {
+    for (Copy copy : removed) setCopySelected(copy, false);
+    return m_selectionSize;
+}
+
+size_t DuplicateResults::bytesUsed() const {
+    size_t bytes = m_copies.capacity() * sizeof(CopyRecord) + m_groups.capacity() * sizeof(GroupRecord);
+    for (const std::vector<Group>& shown : m_categoryGroups) bytes += shown.capacity() * sizeof(Group);
+    return bytes + m_bundles.capacity() * sizeof(Bundle);
 }
 
 }  // namespace velmora

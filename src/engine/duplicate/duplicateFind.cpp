@@ -44,9 +44,9 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     m_enumerator.m_bSearchHiddenFile = m_searchHiddenFile;
     m_enumerator.m_bSearchSystemDirectory = m_searchSystemDirectory;
     QStringList appDirectories;
-    const bool listed = m_enumerator.getListAtPath(path, m_files, appDirectories, limittedSize);
+    const bool listed = m_enumerator.getListAtPath(path, *m_files, appDirectories, limittedSize);
     m_unreadable = m_enumerator.unreadableFolders();
-    qCInfo(lcDuplicate, "listed %lld files in %zu bytes", qlonglong(m_files.size()), m_files.bytesUsed());
+    qCInfo(lcDuplicate, "listed %lld files in %zu bytes", qlonglong(m_files->size()), m_files->bytesUsed());
 
     // Each reading thread holds one descriptor at a time; what the budget
     // has beyond that lets a group of same-size files stay open between
@@ -66,7 +66,7 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     bool result;
     if (!listed || stopped()) {
         result = listed;
-    } else if (m_files.isEmpty()) {
+    } else if (m_files->isEmpty()) {
         result = false;
     } else {
         findDuplicateFiles(budget, workers);
@@ -84,7 +84,7 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
 // first blocks read (in batches where io_uring serves) and compared, and
 // those still alike read whole.
 void duplicateFind::findDuplicateFiles(DescriptorBudget& budget, qsizetype workers) {
-    const FileListing& files = m_files;
+    const FileListing& files = *m_files;
     const qsizetype total = files.size();
     std::atomic<qsizetype> settled{0};
     auto settle = [&](qsizetype count) {
@@ -221,27 +221,14 @@ void duplicateFind::findDuplicateFiles(DescriptorBudget& budget, qsizetype worke
     qsizetype alone = 0;
     for (const QList<qsizetype>& equal : sharedClassesBySorting<FingerprintKey>(std::move(comparable), wholeKey, alone)) {
         m_groupStarts.push_back(m_copies.size());
-        for (qsizetype k = 1; k < equal.size(); ++k) m_copies.push_back({equal[k], prints[size_t(equal[k])]});
-        m_copies.push_back({equal.first(), prints[size_t(equal.first())]});
+        for (qsizetype k = 1; k < equal.size(); ++k) m_copies.push_back(quint32(equal[k]));
+        m_copies.push_back(quint32(equal.first()));
     }
 }
 
-QList<fileAttrbItem> duplicateFind::duplicateGroup(qsizetype group) const {
+std::vector<quint32> duplicateFind::duplicateGroup(qsizetype group) const {
     const size_t end = size_t(group) + 1 < m_groupStarts.size() ? m_groupStarts[size_t(group) + 1] : m_copies.size();
-    QList<fileAttrbItem> items;
-    for (size_t k = m_groupStarts[size_t(group)]; k < end; ++k) {
-        const Copy& copy = m_copies[k];
-        fileAttrbItem item;
-        item.md5_1k = copy.prints.firstBlock;
-        item.md5 = copy.prints.whole;
-        item.fileSize = m_files.file(copy.file).size;
-        item.filePathName = m_files.path(copy.file);
-        item.fileName = m_files.name(copy.file);
-        item.identity = m_files.identity(copy.file);
-        item.ModificationDate = QDateTime::fromMSecsSinceEpoch(item.identity.modificationMSecs(), Qt::UTC);
-        items.append(std::move(item));
-    }
-    return items;
+    return {m_copies.begin() + qsizetype(m_groupStarts[size_t(group)]), m_copies.begin() + qsizetype(end)};
 }
 
 int duplicateFind::getProgress() const {

@@ -11,6 +11,7 @@
 #include <QList>
 #include <QStringList>
 #include <atomic>
+#include <memory>
 #include <vector>
 
 namespace velmora {
@@ -36,9 +37,10 @@ public:
 
     // The groups of duplicate files, in the order of their first copies: in
     // each, the later copies in enumeration order, then the first copy found.
-    // Their paths and display strings are built when a group is asked for.
+    // A group is given as indexes into the listing.
     qsizetype duplicateGroupCount() const { return qsizetype(m_groupStarts.size()); }
-    QList<fileAttrbItem> duplicateGroup(qsizetype group) const;
+    std::vector<quint32> duplicateGroup(qsizetype group) const;
+    const std::shared_ptr<FileListing>& listing() const { return m_files; }
     const QList<QList<AppAttrbItem>>& getAllAppDuplicateDir() const { return m_appGroups; }
     // Files that could not be read to be compared, and folders that could
     // not be listed: the search could not tell whether they have copies.
@@ -48,12 +50,6 @@ private:
     enum class Phase { Idle, Enumerating, Applications, Files, Done };
     static constexpr qsizetype kMaxOpenPerSize = 64;  // descriptors one job keeps open
     static constexpr qsizetype kMaxWorkers = 64;      // reading threads, the calling one included
-
-    // A copy in a group: its place in the listing and its fingerprints.
-    struct Copy {
-        qsizetype file;
-        Fingerprints prints;
-    };
 
     void findDuplicateFiles(DescriptorBudget& budget, qsizetype workers);
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
@@ -67,8 +63,8 @@ private:
     getFileList m_enumerator;
     FindDuplicateApp m_appFinder;
     CurrentPath m_CurrentSearchPath;
-    FileListing m_files;
-    std::vector<Copy> m_copies;         // the groups one after the other
+    std::shared_ptr<FileListing> m_files = std::make_shared<FileListing>();
+    std::vector<quint32> m_copies;      // the groups one after the other, as indexes into the listing
     std::vector<size_t> m_groupStarts;  // where each group begins in m_copies
     QList<QList<AppAttrbItem>> m_appGroups;
     QStringList m_unreadable;

@@ -1,6 +1,5 @@
 #include "gui/duplicate/DuplicateOutlineModel.h"
 
-#include "engine/duplicate/DuplicateResults.h"
 #include "engine/platform/NativePath.h"
 #include "gui/widgets/SizeText.h"
 #include "gui/widgets/Style.h"
@@ -11,18 +10,18 @@
 namespace velmora {
 namespace {
 
-const SimpleTreeNode* groupOf(const SimpleTreeNode* node) { return node->isLeaf() ? node->parent() : node; }
+using Group = DuplicateResults::Group;
+using Copy = DuplicateResults::Copy;
 
-// A copy's whole path; a group's name with the path of the copy kept.
-QString nameToolTip(const SimpleTreeNode& node) {
-    if (node.isLeaf() || node.children().isEmpty()) return displayPath(node.data().name);
-    return displayPath(node.data().name) + '\n' + displayPath(node.children().last()->data().name);
-}
+// A row's internal id: the group number, or the copy number with this bit.
+constexpr quintptr kCopyBit = quintptr(1) << 32;
 
-QDateTime latestCopyDate(const SimpleTreeNode& group) {
-    QDateTime latest;
-    for (const SimpleTreeNode::Pointer& leaf : group.children())
-        if (!latest.isValid() || leaf->data().modificationDate > latest) latest = leaf->data().modificationDate;
+const std::vector<Group> kNoGroups;
+
+qint64 latestCopyDate(const DuplicateResults& results, Group group) {
+    qint64 latest = std::numeric_limits<qint64>::min();
+    for (Copy copy : results.copies(group))
+        if (!results.isBundleGroup(group)) latest = qMax(latest, results.identity(copy).modificationMSecs());
     return latest;
 }
 
@@ -35,138 +34,126 @@ int DuplicateOutlineModel::columnWidth(int column) {
     return column >= 0 && column < ColumnCount ? kWidths[column] : 0;
 }
 
-void DuplicateOutlineModel::setTree(SimpleTreeNode* root) {
+void DuplicateOutlineModel::setResults(const DuplicateResults* results, DuplicateResults::Category category) {
     beginResetModel();
-    m_root = root;
+    m_results = results;
+    m_category = category;
     rebuildGroupRows();
     endResetModel();
 }
 
+const std::vector<Group>& DuplicateOutlineModel::shownGroups() const {
+    return m_results ? m_results->groups(m_category) : kNoGroups;
+}
+
 void DuplicateOutlineModel::rebuildGroupRows() {
-    m_groupRows.clear();
-    if (!m_root) return;
-    const QList<SimpleTreeNode::Pointer>& groups = m_root->children();
-    for (int row = 0; row < groups.size(); ++row) m_groupRows.insert(groups[row].get(), row);
+    m_rowOfGroup.assign(m_results ? size_t(m_results->groupCapacity()) : 0, -1);
+    const std::vector<Group>& groups = shownGroups();
+    for (size_t row = 0; row < groups.size(); ++row) m_rowOfGroup[groups[row]] = qint32(row);
 }
 
-SimpleTreeNode* DuplicateOutlineModel::nodeForIndex(const QModelIndex& index) const {
-    return index.isValid() ? static_cast<SimpleTreeNode*>(index.internalPointer()) : nullptr;
+bool DuplicateOutlineModel::isGroup(const QModelIndex& index) const {
+    return index.isValid() && (index.internalId() & kCopyBit) == 0;
 }
 
-QModelIndex DuplicateOutlineModel::indexForNode(const SimpleTreeNode* node) const {
-    if (!node || !m_root) return {};
-    if (!node->isLeaf()) {
-        const int row = m_groupRows.value(node, -1);
-        return row < 0 ? QModelIndex() : createIndex(row, 0, const_cast<SimpleTreeNode*>(node));
-    }
-    const SimpleTreeNode* group = node->parent();
-    if (!group || !m_groupRows.contains(group)) return {};
-    const QList<SimpleTreeNode::Pointer>& leaves = group->children();
-    for (int row = 0; row < leaves.size(); ++row)
-        if (leaves[row].get() == node) return createIndex(row, 0, const_cast<SimpleTreeNode*>(node));
-    return {};
+Group DuplicateOutlineModel::groupOf(const QModelIndex& index) const {
+    return isGroup(index) ? Group(index.internalId()) : m_results->groupOf(copyOf(index));
+}
+
+Copy DuplicateOutlineModel::copyOf(const QModelIndex& index) const { return Copy(index.internalId() & ~kCopyBit); }
+
+QModelIndex DuplicateOutlineModel::indexForGroup(Group group) const {
+    if (!m_results || group >= m_rowOfGroup.size() || m_rowOfGroup[group] < 0) return {};
+    return createIndex(m_rowOfGroup[group], 0, quintptr(group));
+}
+
+QModelIndex DuplicateOutlineModel::indexForCopy(Copy copy) const {
+    if (!m_results || !indexForGroup(m_results->groupOf(copy)).isValid()) return {};
+    const qsizetype row = m_results->rowOfCopy(copy);
+    return row < 0 ? QModelIndex() : createIndex(int(row), 0, quintptr(copy) | kCopyBit);
 }
 
 void DuplicateOutlineModel::applyTreeChange(const std::function<void()>& change) {
     emit layoutAboutToBeChanged();
     const QModelIndexList before = persistentIndexList();
-    // Every node is held until the end, so that the nodes the change drops
-    // cannot be freed while the view's old indexes still name them.
-    QList<SimpleTreeNode::Pointer> held;
-    if (m_root) {
-        for (const SimpleTreeNode::Pointer& group : m_root->children()) {
-            held.append(group);
-            held.append(group->children());
-        }
-    }
     change();
     rebuildGroupRows();
-
-    // The row of every node now shown: groups among the groups, copies within their group.
-    QHash<const SimpleTreeNode*, int> rows = m_groupRows;
-    if (m_root) {
-        for (const SimpleTreeNode::Pointer& group : m_root->children()) {
-            const QList<SimpleTreeNode::Pointer>& leaves = group->children();
-            for (int row = 0; row < leaves.size(); ++row) rows.insert(leaves[row].get(), row);
-        }
-    }
     QModelIndexList after;
     after.reserve(before.size());
     for (const QModelIndex& old : before) {
-        auto* node = static_cast<SimpleTreeNode*>(old.internalPointer());
-        const int row = rows.value(node, -1);
-        after.append(row < 0 ? QModelIndex() : createIndex(row, old.column(), node));
+        const QModelIndex now = isGroup(old) ? indexForGroup(Group(old.internalId())) : indexForCopy(copyOf(old));
+        after.append(now.isValid() ? now.siblingAtColumn(old.column()) : QModelIndex());
     }
     changePersistentIndexList(before, after);
     emit layoutChanged();
 }
 
+// One change over the top rows repaints the whole outline, the copies shown
+// under them included.
 void DuplicateOutlineModel::selectionChanged() {
-    if (!m_root || m_root->children().isEmpty()) return;
-    const int lastColumn = ColumnCount - 1;
-    const int groups = int(m_root->children().size());
-    emit dataChanged(index(0, 0), index(groups - 1, lastColumn));
-    for (int row = 0; row < groups; ++row) {
-        const QModelIndex group = index(row, 0);
-        const int leaves = rowCount(group);
-        if (leaves > 0) emit dataChanged(index(0, 0, group), index(leaves - 1, lastColumn, group));
-    }
+    const int groups = rowCount();
+    if (groups > 0) emit dataChanged(index(0, 0), index(groups - 1, ColumnCount - 1));
 }
 
-void DuplicateOutlineModel::sortGroups(int column, bool descending) {
-    if (!m_root) return;
-    QList<SimpleTreeNode::Pointer> groups = m_root->children();
-    QCollator collator;
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    collator.setNumericMode(true);
-    auto less = [&](const SimpleTreeNode::Pointer& a, const SimpleTreeNode::Pointer& b) {
-        switch (column) {
-        case Selected: return a->children().size() < b->children().size();
-        case Size: return a->data().fileSize < b->data().fileSize;
-        case Date: return latestCopyDate(*a) < latestCopyDate(*b);
-        default: return collator.compare(a->data().name, b->data().name) < 0;
+void DuplicateOutlineModel::sortGroups(DuplicateResults& results, int column, bool descending) {
+    if (m_results != &results) return;
+    std::vector<Group> groups = shownGroups();
+    // One key per group, computed once: a name comparison would otherwise
+    // build both names again at every step of the sort.
+    std::vector<qint64> numbers(size_t(results.groupCapacity()));
+    std::vector<QCollatorSortKey> names;
+    if (column == Name) {
+        QCollator collator;
+        collator.setCaseSensitivity(Qt::CaseInsensitive);
+        collator.setNumericMode(true);
+        names.reserve(groups.size());
+        for (size_t row = 0; row < groups.size(); ++row) {
+            names.push_back(collator.sortKey(results.groupName(groups[row])));
+            numbers[groups[row]] = qint64(row);
         }
+    } else {
+        for (Group group : groups)
+            numbers[group] = column == Selected ? results.copyCount(group)
+                             : column == Size   ? qint64(results.groupSize(group))
+                                                : latestCopyDate(results, group);
+    }
+    const auto less = [&](Group a, Group b) {
+        if (column == Name) return names[size_t(numbers[a])].compare(names[size_t(numbers[b])]) < 0;
+        return numbers[a] < numbers[b];
     };
-    std::stable_sort(groups.begin(), groups.end(), [&](const SimpleTreeNode::Pointer& a, const SimpleTreeNode::Pointer& b) {
-        return descending ? less(b, a) : less(a, b);
-    });
-    applyTreeChange([&] {
-        while (!m_root->children().isEmpty()) m_root->removeChild(m_root->children().last().get());
-        for (const SimpleTreeNode::Pointer& group : groups) m_root->appendChild(group);
-    });
+    std::stable_sort(groups.begin(), groups.end(), [&](Group a, Group b) { return descending ? less(b, a) : less(a, b); });
+    applyTreeChange([&] { results.reorder(m_category, std::move(groups)); });
 }
 
 QModelIndex DuplicateOutlineModel::index(int row, int column, const QModelIndex& parent) const {
-    if (!m_root || row < 0 || column < 0 || column >= ColumnCount) return {};
+    if (!m_results || row < 0 || column < 0 || column >= ColumnCount) return {};
     if (!parent.isValid()) {
-        const QList<SimpleTreeNode::Pointer>& groups = m_root->children();
-        return row < groups.size() ? createIndex(row, column, groups[row].get()) : QModelIndex();
+        const std::vector<Group>& groups = shownGroups();
+        return size_t(row) < groups.size() ? createIndex(row, column, quintptr(groups[size_t(row)])) : QModelIndex();
     }
-    const SimpleTreeNode* group = nodeForIndex(parent);
-    if (!group || group->isLeaf() || row >= group->children().size()) return {};
-    return createIndex(row, column, group->children()[row].get());
+    if (!isGroup(parent)) return {};
+    const Group group = groupOf(parent);
+    if (row >= m_results->copyCount(group)) return {};
+    return createIndex(row, column, quintptr(m_results->copyAt(group, row)) | kCopyBit);
 }
 
 QModelIndex DuplicateOutlineModel::parent(const QModelIndex& child) const {
-    const SimpleTreeNode* node = nodeForIndex(child);
-    if (!node || !node->isLeaf() || !node->parent()) return {};
-    const int row = m_groupRows.value(node->parent(), -1);
-    return row < 0 ? QModelIndex() : createIndex(row, 0, node->parent());
+    if (!m_results || !isCopy(child)) return {};
+    return indexForGroup(m_results->groupOf(copyOf(child)));
 }
 
 int DuplicateOutlineModel::rowCount(const QModelIndex& parent) const {
-    if (!m_root) return 0;
-    if (!parent.isValid()) return int(m_root->children().size());
-    if (parent.column() != 0) return 0;
-    const SimpleTreeNode* node = nodeForIndex(parent);
-    return node->isLeaf() ? 0 : int(node->children().size());
+    if (!m_results) return 0;
+    if (!parent.isValid()) return int(shownGroups().size());
+    if (parent.column() != 0 || !isGroup(parent)) return 0;
+    return int(m_results->copyCount(groupOf(parent)));
 }
 
 int DuplicateOutlineModel::columnCount(const QModelIndex&) const { return ColumnCount; }
 
-QString DuplicateOutlineModel::iconImage(const SimpleTreeNode& group) const {
-    if (group.data().extendName == "APP") return "ic_folder";
-    switch (group.data().fileType) {
+QString DuplicateOutlineModel::iconImage(Group group) const {
+    if (m_results->isBundleGroup(group)) return "ic_folder";
+    switch (m_results->groupCategory(group)) {
     case DuplicateResults::Documents: return "ic_type_document";
     case DuplicateResults::Music: return "ic_type_music";
     case DuplicateResults::Videos: return "ic_type_video";
@@ -177,39 +164,38 @@ QString DuplicateOutlineModel::iconImage(const SimpleTreeNode& group) const {
 }
 
 QVariant DuplicateOutlineModel::data(const QModelIndex& index, int role) const {
-    const SimpleTreeNode* node = nodeForIndex(index);
-    if (!node) return {};
-    const SimpleNodeData& item = node->data();
-    const bool isGroup = !node->isLeaf();
+    if (!m_results || !index.isValid()) return {};
+    const bool group = isGroup(index);
+    const Group owner = groupOf(index);
+    const Copy copy = group ? 0 : copyOf(index);
+    const bool selected = group ? m_results->groupState(owner) == DuplicateResults::Selected
+                                : m_results->isSelected(copy);
+    const bool partly = group && m_results->groupState(owner) == DuplicateResults::PartlySelected;
     switch (role) {
     case Qt::DisplayRole:
         switch (index.column()) {
-        case Name: return displayPath(item.name);
-        case Selected:
-            if (!isGroup) return QString();
-            return item.showSelectNumStr.isEmpty() ? QString("0/%1").arg(node->children().size())
-                                                   : item.showSelectNumStr;
-        case Size: return byteToSizeWithByte(item.fileSize);
-        case Date: return isGroup ? QString() : item.modificationDate.toString("yyyy-MM-dd HH:mm");
+        case Name: return displayPath(group ? m_results->groupName(owner) : m_results->path(copy));
+        case Selected: return group ? m_results->groupLabel(owner) : QString();
+        case Size: return byteToSizeWithByte(group ? m_results->groupSize(owner) : m_results->size(copy));
+        case Date: return group ? QString() : m_results->modified(copy).toString("yyyy-MM-dd HH:mm");
         }
         return {};
-    case Qt::ToolTipRole: return index.column() == Name ? nameToolTip(*node) : QVariant();
-    case Qt::FontRole: return isGroup ? Style::boldFont(12) : Style::regularFont(12);
-    case Qt::ForegroundRole: return isGroup || index.column() == Selected ? Style::kText : Style::kSecondaryText;
+    case Qt::ToolTipRole:
+        // A copy's whole path; a group's name with the path of the copy kept.
+        if (index.column() != Name) return {};
+        if (!group) return displayPath(m_results->path(copy));
+        return displayPath(m_results->groupName(owner)) + '\n' +
+               displayPath(m_results->path(m_results->copyAt(owner, m_results->copyCount(owner) - 1)));
+    case Qt::FontRole: return group ? Style::boldFont(12) : Style::regularFont(12);
+    case Qt::ForegroundRole: return group || index.column() == Selected ? Style::kText : Style::kSecondaryText;
     case CheckImageRole:
         if (index.column() != Name) return {};
-        if (item.selectNum == SimpleNodeData::Selected) return QString("checkbox_yes");
-        if (isGroup && item.selectNum == SimpleNodeData::PartlySelected) return QString("checkbox_election");
-        return QString("checkbox_no");
+        return QString(selected ? "checkbox_yes" : partly ? "checkbox_election" : "checkbox_no");
     case Qt::CheckStateRole:  // what assistive technology announces for the drawn checkbox
         if (index.column() != Name) return {};
-        if (item.selectNum == SimpleNodeData::Selected) return Qt::Checked;
-        return isGroup && item.selectNum == SimpleNodeData::PartlySelected ? Qt::PartiallyChecked : Qt::Unchecked;
-    case IconImageRole: {
-        const SimpleTreeNode* group = groupOf(node);
-        return index.column() == Name && group ? iconImage(*group) : QVariant();
-    }
-    case IsGroupRole: return isGroup;
+        return selected ? Qt::Checked : partly ? Qt::PartiallyChecked : Qt::Unchecked;
+    case IconImageRole: return index.column() == Name ? iconImage(owner) : QVariant();
+    case IsGroupRole: return group;
     }
     return {};
 }

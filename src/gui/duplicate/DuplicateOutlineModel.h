@@ -1,16 +1,17 @@
 #pragma once
 
-#include "engine/duplicate/SimpleTreeNode.h"
+#include "engine/duplicate/DuplicateResults.h"
 
 #include <QAbstractItemModel>
-#include <QHash>
 #include <functional>
+#include <vector>
 
 namespace velmora {
 
-// The outline of duplicate groups: the groups of the shown tree as top rows,
-// one child row per copy. The model reads the engine's nodes directly; every
-// change of the tree goes through applyTreeChange() or selectionChanged().
+// The outline of duplicate groups: the groups of one category of a result
+// as top rows, one child row per copy. Rows are read from the result when
+// the view asks, so a row costs nothing until it is shown; every change of
+// the result goes through applyTreeChange() or selectionChanged().
 class DuplicateOutlineModel : public QAbstractItemModel {
     Q_OBJECT
 public:
@@ -25,20 +26,29 @@ public:
 
     static int columnWidth(int column);
 
-    // Shows another tree (none: an empty outline).
-    void setTree(SimpleTreeNode* root);
-    SimpleTreeNode* tree() const { return m_root; }
-    SimpleTreeNode* nodeForIndex(const QModelIndex& index) const;
-    QModelIndex indexForNode(const SimpleTreeNode* node) const;
+    // Shows the groups of a category of a result (none: an empty outline).
+    void setResults(const DuplicateResults* results, DuplicateResults::Category category);
+    const DuplicateResults* results() const { return m_results; }
+    DuplicateResults::Category category() const { return m_category; }
+    // The groups shown, in their rows.
+    const std::vector<DuplicateResults::Group>& shownGroups() const;
 
-    // Runs a change that removes or reorders rows of the shown tree; the
+    bool isGroup(const QModelIndex& index) const;
+    bool isCopy(const QModelIndex& index) const { return index.isValid() && !isGroup(index); }
+    // The row's group (a copy's own group) and the copy of a copy row.
+    DuplicateResults::Group groupOf(const QModelIndex& index) const;
+    DuplicateResults::Copy copyOf(const QModelIndex& index) const;
+    QModelIndex indexForGroup(DuplicateResults::Group group) const;
+    QModelIndex indexForCopy(DuplicateResults::Copy copy) const;
+
+    // Runs a change that removes or reorders rows of the shown groups; the
     // rows that remain keep their expanded state and selection in the view.
     void applyTreeChange(const std::function<void()>& change);
-    // Redraws every row after selections or labels changed.
+    // Redraws the rows after selections or labels changed.
     void selectionChanged();
     // Orders the groups by a column. The copies keep their order: the last
     // copy of a group is the one select-all keeps.
-    void sortGroups(int column, bool descending);
+    void sortGroups(DuplicateResults& results, int column, bool descending);
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex& child) const override;
@@ -49,10 +59,11 @@ public:
 
 private:
     void rebuildGroupRows();
-    QString iconImage(const SimpleTreeNode& group) const;
+    QString iconImage(DuplicateResults::Group group) const;
 
-    SimpleTreeNode* m_root = nullptr;
-    QHash<const SimpleTreeNode*, int> m_groupRows;
+    const DuplicateResults* m_results = nullptr;
+    DuplicateResults::Category m_category = DuplicateResults::None;
+    std::vector<qint32> m_rowOfGroup;  // by group number, -1 when not shown
 };
 
 }  // namespace velmora

@@ -28,6 +28,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -53,25 +54,25 @@ bool isReadableFolder(const QString& path) {
     return true;
 }
 
-qsizetype leafCount(const SimpleTreeNode* tree) {
-    qsizetype count = 0;
-    if (tree)
-        for (const SimpleTreeNode::Pointer& group : tree->children()) count += group->children().size();
-    return count;
+// Removed copies reach the outline at most this often, so that a removal of
+// many small files does not redraw it for each one.
+constexpr int kRemovalBatchMs = 50;
+
+using Group = DuplicateResults::Group;
+using Copy = DuplicateResults::Copy;
+
+// The widest text of a size in each unit has the most digits: only those are measured.
+int widestSizeText(const QFontMetrics& metrics, const std::vector<quint64>& largestPerUnit) {
+    int widest = 0;
+    for (quint64 size : largestPerUnit)
+        if (size > 0) widest = qMax(widest, metrics.horizontalAdvance(byteToSizeWithByte(size)));
+    return widest;
 }
 
-qsizetype selectedLeaves(const SimpleTreeNode& group) {
-    qsizetype count = 0;
-    for (const SimpleTreeNode::Pointer& leaf : group.children())
-        if (leaf->data().selectNum == SimpleNodeData::Selected) ++count;
-    return count;
-}
-
-SimpleTreeNode::Pointer sharedLeaf(const SimpleTreeNode* leaf) {
-    if (!leaf || !leaf->parent()) return {};
-    for (const SimpleTreeNode::Pointer& sibling : leaf->parent()->children())
-        if (sibling.get() == leaf) return sibling;
-    return {};
+void noteSize(std::vector<quint64>& largestPerUnit, quint64 size) {
+    size_t unit = 0;
+    for (quint64 rest = size; rest >= 1000 && unit + 1 < largestPerUnit.size(); rest /= 1000) ++unit;
+    largestPerUnit[unit] = qMax(largestPerUnit[unit], size);
 }
 
 }  // namespace
@@ -243,7 +244,7 @@ QWidget* SameFileDeleteViewController::createResultView() {
     return view;
 }
 
-SimpleTreeNode* SameFileDeleteViewController::treeData() const { return m_model->tree(); }
+const std::vector<Group>& SameFileDeleteViewController::shownGroups() const { return m_model->shownGroups(); }
 DeleteAllCopiesSheet* SameFileDeleteViewController::deleteAllCopiesSheet() const { return m_deleteAllCopiesSheet; }
 MarkSureDeleteVC* SameFileDeleteViewController::markSurePanel() const { return m_markSurePanel; }
 DuplicationDetProgressViewController* SameFileDeleteViewController::progressPanel() const { return m_progressPanel; }
@@ -268,7 +269,7 @@ void SameFileDeleteViewController::searchPathChosen(const QString& path) {
 
 void SameFileDeleteViewController::searchBtnClicked() {
     if (m_searchPath.isEmpty() || m_worker || !m_isCanClick) return;
-    m_model->setTree(nullptr);
+    m_model->setResults(nullptr, DuplicateResults::None);
     m_results.reset();
     m_opt = std::make_unique<DuplicateFilesOpt>();
     // A folder's hidden entries belong to programs (settings, caches,
@@ -330,8 +331,7 @@ void SameFileDeleteViewController::searchFinished(bool succeeded) {
     m_unreadableLabel->setToolTip(shown.join('\n'));
     m_unreadableLabel->setVisible(!unreadable.isEmpty());
 
-    SimpleTreeNode::Pointer tree;
-    if (!m_opt->getDuplicateFiles(tree)) {
+    if (!m_opt->getDuplicateFiles(m_results)) {
         m_emptyView->setSearchPath(m_searchPath);
         m_views->setCurrentWidget(m_emptyView);
         if (keyboardUser) m_emptyView->searchButton()->setFocus(Qt::TabFocusReason);
@@ -340,9 +340,8 @@ void SameFileDeleteViewController::searchFinished(bool succeeded) {
                          QString("%1 could not be read.").arg(displayPath(m_searchPath)));
         return;
     }
-    m_results = std::make_unique<DuplicateResults>(tree);
     // Every copy but the one found first in each group is offered for removal.
-    m_results->setAllSelectOrNoSelect(*tree, true);
+    m_results->setAllSelectOrNoSelect(DuplicateResults::None, true);
     m_sortColumn = -1;
     m_outlineView->header()->setSortIndicatorShown(false);
     m_tabBar->setAllTabLabel(m_searchPath);
@@ -363,7 +362,7 @@ void SameFileDeleteViewController::segmentSelect(int tab) {
 void SameFileDeleteViewController::loadValueForSegment(int tab) {
     if (tab < 0 || tab >= DuplicateTabBar::kTabCount) return;
     m_remberWitchSelect = tab;
-    m_model->setTree(m_results ? m_results->treeForTab(tab).get() : nullptr);
+    m_model->setResults(m_results.get(), DuplicateResults::categoryOfTab(tab));
     fitColumns();
     if (m_model->rowCount() > 0) m_outlineView->expand(m_model->index(0, 0));
     m_noGroupsLabel->setVisible(m_model->rowCount() == 0);
@@ -375,40 +374,37 @@ void SameFileDeleteViewController::loadValueForSegment(int tab) {
 // ---- Ticks -----------------------------------------------------------------
 
 void SameFileDeleteViewController::setSelectState(const QModelIndex& index) {
-    SimpleTreeNode* node = m_model->nodeForIndex(index);
-    if (!m_isCanClick || !m_results || !node) return;
-    if (node->isLeaf()) {
-        const bool select = node->data().selectNum != SimpleNodeData::Selected;
-        if (!m_results->setSelectState(*node, select)) {
+    if (!m_isCanClick || !m_results || !index.isValid()) return;
+    if (m_model->isCopy(index)) {
+        const Copy copy = m_model->copyOf(index);
+        if (!m_results->setSelectState(copy, !m_results->isSelected(copy))) {
             // Ticking it would leave the group without a copy: ask first.
             m_deleteAllCopiesSheet = new DeleteAllCopiesSheet(this);
-            const SimpleTreeNode::Pointer leaf = sharedLeaf(node);
-            connect(m_deleteAllCopiesSheet, &QDialog::finished, this,
-                    [this, leaf](int code) { alertEnded(code, leaf); });
+            connect(m_deleteAllCopiesSheet, &QDialog::finished, this, [this, copy](int code) { alertEnded(code, copy); });
             m_deleteAllCopiesSheet->open();
             return;
         }
     } else {
         // A group's checkbox clears a group with any copy ticked, and ticks
         // every copy but the last of a group with none.
-        const bool select = node->data().selectNum == SimpleNodeData::NotSelected;
-        const QList<SimpleTreeNode::Pointer> leaves = node->children();
-        for (qsizetype i = 0; i < leaves.size(); ++i)
-            m_results->setSelectState(*leaves[i], select && i + 1 < leaves.size());
+        const Group group = m_model->groupOf(index);
+        const bool select = m_results->groupState(group) == DuplicateResults::NotSelected;
+        const QList<Copy> copies = m_results->copies(group);
+        for (qsizetype i = 0; i < copies.size(); ++i)
+            m_results->setSelectState(copies[i], select && i + 1 < copies.size());
     }
     refreshSelection();
 }
 
-void SameFileDeleteViewController::alertEnded(int code, const SimpleTreeNode::Pointer& leaf) {
-    if (code != QDialog::Accepted || !leaf || !m_results) return;
-    m_results->setSelectState(*leaf, true, true);
+void SameFileDeleteViewController::alertEnded(int code, Copy copy) {
+    if (code != QDialog::Accepted || !m_results) return;
+    m_results->setSelectState(copy, true, true);
     refreshSelection();
 }
 
 void SameFileDeleteViewController::setAllSelectOrNoSelect() {
-    SimpleTreeNode* tree = treeData();
-    if (!m_isCanClick || !m_results || !tree || tree->children().isEmpty()) return;
-    m_results->setAllSelectOrNoSelect(*tree, !everyGroupSelected());
+    if (!m_isCanClick || !m_results || shownGroups().empty()) return;
+    m_results->setAllSelectOrNoSelect(m_model->category(), !everyGroupSelected());
     refreshSelection();
 }
 
@@ -423,14 +419,11 @@ void SameFileDeleteViewController::refreshSelection() {
 // when every copy is, and partly ticked in between (also after select-all,
 // which keeps one copy of each group).
 QString SameFileDeleteViewController::selectAllImage() const {
-    const SimpleTreeNode* tree = treeData();
     qsizetype selected = 0;
     qsizetype copies = 0;
-    if (tree) {
-        for (const SimpleTreeNode::Pointer& group : tree->children()) {
-            selected += selectedLeaves(*group);
-            copies += group->children().size();
-        }
+    for (Group group : shownGroups()) {
+        selected += m_results->selectedCount(group);
+        copies += m_results->copyCount(group);
     }
     if (selected == 0) return "checkbox_no";
     return selected == copies ? "checkbox_yes" : "checkbox_election";
@@ -438,10 +431,9 @@ QString SameFileDeleteViewController::selectAllImage() const {
 
 // Whether select-all has nothing left to tick: then its click unticks.
 bool SameFileDeleteViewController::everyGroupSelected() const {
-    const SimpleTreeNode* tree = treeData();
-    if (!tree || tree->children().isEmpty()) return false;
-    for (const SimpleTreeNode::Pointer& group : tree->children())
-        if (selectedLeaves(*group) < group->children().size() - 1) return false;
+    if (shownGroups().empty()) return false;
+    for (Group group : shownGroups())
+        if (m_results->selectedCount(group) < m_results->copyCount(group) - 1) return false;
     return true;
 }
 
@@ -457,8 +449,10 @@ void SameFileDeleteViewController::updateRemoveButton() {
 }
 
 void SameFileDeleteViewController::updateTitle() {
-    const QString shown = QString("%1 files in %2").arg(leafCount(treeData())).arg(m_tabBar->label(m_remberWitchSelect));
-    const qsizetype selected = m_results ? m_results->allSelectNumArr().size() : 0;
+    qsizetype copies = 0;
+    for (Group group : shownGroups()) copies += m_results->copyCount(group);
+    const QString shown = QString("%1 files in %2").arg(copies).arg(m_tabBar->label(m_remberWitchSelect));
+    const qsizetype selected = m_results ? m_results->selectionSize() : 0;
     const QString chosen = QString("selected %1 %2 in All").arg(selected).arg(selected == 1 ? "file" : "files");
     m_titleLabel->setText(shown + ", " + chosen + ".");
     m_titleLabel->setToolTip(shown);
@@ -473,26 +467,24 @@ void SameFileDeleteViewController::fitColumns() {
         const int caption = header->fontMetrics().horizontalAdvance(m_model->headerData(column, Qt::Horizontal).toString());
         header->resizeSection(column, qMax(DuplicateOutlineModel::columnWidth(column), caption + padding));
     }
-    const SimpleTreeNode* tree = treeData();
     const int column = DuplicateOutlineModel::Size;
     int widest = header->fontMetrics().horizontalAdvance(m_model->headerData(column, Qt::Horizontal).toString());
-    if (tree) {
-        const QFontMetrics group(Style::boldFont(12));
-        const QFontMetrics copy(Style::regularFont(12));
-        for (const SimpleTreeNode::Pointer& node : tree->children()) {
-            widest = qMax(widest, group.horizontalAdvance(byteToSizeWithByte(node->data().fileSize)));
-            for (const SimpleTreeNode::Pointer& leaf : node->children())
-                widest = qMax(widest, copy.horizontalAdvance(byteToSizeWithByte(leaf->data().fileSize)));
-        }
+    std::vector<quint64> groupSizes(7), copySizes(7);
+    for (Group group : shownGroups()) {
+        noteSize(groupSizes, m_results->groupSize(group));
+        // The copies of a group are equal: one stands for all.
+        noteSize(copySizes, m_results->size(m_results->copyAt(group, 0)));
     }
+    widest = qMax(widest, widestSizeText(QFontMetrics(Style::boldFont(12)), groupSizes));
+    widest = qMax(widest, widestSizeText(QFontMetrics(Style::regularFont(12)), copySizes));
     header->resizeSection(column, qMax(DuplicateOutlineModel::columnWidth(column), widest + padding));
 }
 
 void SameFileDeleteViewController::outlineViewDidClickTableColumn(int column) {
-    if (!m_isCanClick || !treeData()) return;
+    if (!m_isCanClick || !m_results) return;
     m_sortDescending = column == m_sortColumn && !m_sortDescending;
     m_sortColumn = column;
-    m_model->sortGroups(column, m_sortDescending);
+    m_model->sortGroups(*m_results, column, m_sortDescending);
     QHeaderView* header = m_outlineView->header();
     header->setSortIndicator(column, m_sortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
     header->setSortIndicatorShown(true);
@@ -501,11 +493,10 @@ void SameFileDeleteViewController::outlineViewDidClickTableColumn(int column) {
 // ---- Context menu ----------------------------------------------------------
 
 QString SameFileDeleteViewController::pathOfRow(const QModelIndex& index) const {
-    const SimpleTreeNode* node = m_model->nodeForIndex(index);
-    if (!node) return {};
-    if (node->isLeaf()) return node->data().name;
+    if (!m_results || !index.isValid()) return {};
+    if (m_model->isCopy(index)) return m_results->path(m_model->copyOf(index));
     // A group row stands for its copies: the first one is opened or shown.
-    return node->children().isEmpty() ? QString() : node->children().first()->data().name;
+    return m_results->path(m_results->copyAt(m_model->groupOf(index), 0));
 }
 
 void SameFileDeleteViewController::outlineRightMouseDown(const QPoint& viewportPosition) {
@@ -538,23 +529,24 @@ void SameFileDeleteViewController::revealInFolder(const QModelIndex& index) {
 
 // ---- Removal ---------------------------------------------------------------
 
-QList<SimpleTreeNode::Pointer> SameFileDeleteViewController::shownSelection() const {
-    QList<SimpleTreeNode::Pointer> shown;
-    const SimpleTreeNode* tree = treeData();
-    if (!m_results || !tree) return shown;
-    QSet<const SimpleTreeNode*> groups;
-    for (const SimpleTreeNode::Pointer& group : tree->children()) groups.insert(group.get());
-    for (const SimpleTreeNode::Pointer& leaf : m_results->allSelectNumArr())
-        if (groups.contains(leaf->parent())) shown.append(leaf);
+QList<Copy> SameFileDeleteViewController::shownSelection() const {
+    QList<Copy> shown;
+    if (!m_results) return shown;
+    const DuplicateResults::Category category = m_model->category();
+    for (Copy copy : m_results->allSelectNumArr()) {
+        const Group group = m_results->groupOf(copy);
+        if (!m_results->isDropped(group) && (category == DuplicateResults::None || m_results->groupCategory(group) == category))
+            shown.append(copy);
+    }
     return shown;
 }
 
 // Only what the user sees ticked is removed: ticks left in other tabs stay.
 void SameFileDeleteViewController::removeBtnClicked() {
-    const QList<SimpleTreeNode::Pointer> selection = shownSelection();
+    const QList<Copy> selection = shownSelection();
     if (!m_isCanClick || selection.isEmpty()) return;
     quint64 totalSize = 0;
-    for (const SimpleTreeNode::Pointer& leaf : selection) totalSize += leaf->data().fileSize;
+    for (Copy copy : selection) totalSize += m_results->size(copy);
     m_markSurePanel = new MarkSureDeleteVC(int(selection.size()), totalSize, this);
     connect(m_markSurePanel, &MarkSureDeleteVC::delDuplicateItems, this,
             &SameFileDeleteViewController::delDuplicateItems);
@@ -562,13 +554,13 @@ void SameFileDeleteViewController::removeBtnClicked() {
 }
 
 void SameFileDeleteViewController::delDuplicateItems() {
-    const QList<SimpleTreeNode::Pointer> selection = shownSelection();
+    const QList<Copy> selection = shownSelection();
     if (selection.isEmpty() || m_worker) return;
     m_bStopDelTask = false;
     m_isClickStopRemove = false;
     m_delNodesArr.clear();
     m_removalLeaves = selection;
-    m_removals = DuplicateRemover::plan(m_removalLeaves);
+    m_removals = DuplicateRemover::plan(*m_results, m_removalLeaves);
     setBusy(true);
 
     m_progressPanel = new DuplicationDetProgressViewController(this);
@@ -581,24 +573,39 @@ void SameFileDeleteViewController::delDuplicateItems() {
 }
 
 // Answers why copies were left: "reason" per copy, "admin" when the system
-// refused a removal.
+// refused a removal. The removed copies and the progress reach the page in
+// batches, at most every kRemovalBatchMs.
 QVariant SameFileDeleteViewController::deleteDupFiles(ThreadWorker* worker) {
     DuplicateRemover remover;
     QStringList reasons;
     bool refusedByTheSystem = false;
-    for (int index = 0; index < m_removals.size() && !m_bStopDelTask; ++index) {
-        const QString path = m_removals[index].copy.path;
+    QList<int> removed;
+    QElapsedTimer sinceBatch;
+    sinceBatch.start();
+    const auto handOver = [&](int progress, const QString& path) {
+        worker->performOnTargetThread([this, progress, path, removed] {
+            setRemoveProgress(progress, path);
+            refreshOutlineView(removed);
+        });
+        removed.clear();
+        sinceBatch.restart();
+    };
+    QString lastPath;
+    int progress = 0;
+    for (int index = 0; index < m_removals.size() && !m_bStopDelTask && !worker->isCancelled(); ++index) {
+        const QString& path = m_removals[index].copy.path;
         const DuplicateRemover::Verdict verdict = remover.remove(m_removals[index]);
         if (!verdict.removed()) {  // stays listed and selected
             reasons.append(QString("%1: %2").arg(displayPath(path), verdict.reason));
             refusedByTheSystem = refusedByTheSystem || verdict.outcome == DuplicateRemover::Outcome::Failed;
             continue;
         }
-        const int progress = int((index + 1) * qint64(100) / m_removals.size());
-        worker->performOnTargetThread([this, progress, path] { setRemoveProgress(progress, path); });
-        // The outline drops the copy before the next one is removed.
-        if (!worker->performOnTargetThreadAndWait([this, index] { refreshOutlineView(index); })) break;
+        removed.append(index);
+        lastPath = path;
+        progress = int((index + 1) * qint64(100) / m_removals.size());
+        if (sinceBatch.elapsed() >= kRemovalBatchMs) handOver(progress, lastPath);
     }
+    if (!removed.isEmpty()) handOver(progress, lastPath);
     return QVariantMap{{"reasons", reasons}, {"admin", refusedByTheSystem}};
 }
 
@@ -606,16 +613,25 @@ void SameFileDeleteViewController::setRemoveProgress(int progress, const QString
     if (m_progressPanel) m_progressPanel->setRemoveProgress(progress, path);
 }
 
-void SameFileDeleteViewController::refreshOutlineView(int index) {
-    const SimpleTreeNode::Pointer leaf = m_removalLeaves.value(index);
-    if (!leaf || !m_results) return;
-    m_delNodesArr.append(leaf);
-    m_model->applyTreeChange([this, &leaf] { m_results->refreshOutlineView(*leaf); });
+void SameFileDeleteViewController::refreshOutlineView(const QList<int>& removed) {
+    if (!m_results) return;
+    QList<Copy> copies;
+    copies.reserve(removed.size());
+    for (int index : removed) copies.append(m_removalLeaves.value(index));
+    m_delNodesArr.append(copies);
+    m_model->applyTreeChange([this, &copies] { m_results->refreshOutlineView(copies); });
 }
 
 void SameFileDeleteViewController::stopRemoveBtnClicked() {
     m_isClickStopRemove = true;
     m_bStopDelTask = true;
+}
+
+void SameFileDeleteViewController::stopJob() {
+    if (m_progressPanel && m_progressPanel->isVisible())
+        stopRemoveBtnClicked();
+    else
+        stopScanBtnClicked();
 }
 
 void SameFileDeleteViewController::deleteFinished(const QVariant& leftReasons) {
@@ -627,7 +643,7 @@ void SameFileDeleteViewController::deleteFinished(const QVariant& leftReasons) {
     const qsizetype left = total - removed;
     // A stop that came after the last copy had gone changed nothing: the run ended in full.
     if (m_isClickStopRemove && left > 0) {
-        m_results->setAllSelectOrNoSelect(*m_results->allTreeNode(), false);
+        m_results->setAllSelectOrNoSelect(DuplicateResults::None, false);
         showFailView("Removal stopped", QString("%1 of %2 selected copies were removed before the removal was stopped.")
                                             .arg(removed)
                                             .arg(total));
@@ -645,7 +661,7 @@ void SameFileDeleteViewController::deleteFinished(const QVariant& leftReasons) {
                          stay.arg(left).arg(total) + (reasons.isEmpty() ? QString() : "\n" + reasons.first()));
     } else {
         quint64 freed = 0;
-        for (const SimpleTreeNode::Pointer& leaf : std::as_const(m_delNodesArr)) freed += leaf->data().fileSize;
+        for (Copy copy : std::as_const(m_delNodesArr)) freed += m_results->size(copy);
         m_successPanel = new DuplicationDetSuccessViewController(int(removed), freed, this);
         m_successPanel->open();
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/duplicate/DuplicateRemover.h"
-#include "engine/duplicate/SimpleTreeNode.h"
+#include "engine/duplicate/DuplicateResults.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -58,7 +58,7 @@ public:
     // Ticks: a copy or a group row's checkbox, the select-all checkbox, the
     // answer of the sheet asked before a group's last copy is ticked.
     void setSelectState(const QModelIndex& index);
-    void alertEnded(int code, const SimpleTreeNode::Pointer& leaf);
+    void alertEnded(int code, DuplicateResults::Copy copy);
     void setAllSelectOrNoSelect();
     void outlineViewDidClickTableColumn(int column);
 
@@ -68,10 +68,13 @@ public:
     void revealInFolder(const QModelIndex& index);
 
     // Removal: the copies ticked in the shown tab, in the selection's order.
-    QList<SimpleTreeNode::Pointer> shownSelection() const;
+    QList<DuplicateResults::Copy> shownSelection() const;
     void removeBtnClicked();
     void delDuplicateItems();
     void stopRemoveBtnClicked();
+    // Quitting during a search or a removal: stops it as its Stop button does; the page
+    // ends the run as usual (the fail view says what was removed) and unlocks the window.
+    Q_SLOT void stopJob();
 
     // The state a user sees, for the page's tests.
     QString searchPath() const { return m_searchPath; }
@@ -79,8 +82,9 @@ public:
     bool isCanClick() const { return m_isCanClick; }
     int remberWitchSelect() const { return m_remberWitchSelect; }
     DuplicateResults* results() const { return m_results.get(); }
-    SimpleTreeNode* treeData() const;
-    const QList<SimpleTreeNode::Pointer>& delNodesArr() const { return m_delNodesArr; }
+    // The groups the outline shows, in their rows.
+    const std::vector<DuplicateResults::Group>& shownGroups() const;
+    const QList<DuplicateResults::Copy>& delNodesArr() const { return m_delNodesArr; }
     QLabel* titleLabel() const { return m_titleLabel; }
     QLabel* unreadableLabel() const { return m_unreadableLabel; }
     ImageToggle* selectAllButton() const { return m_selectAllButton; }
@@ -124,7 +128,7 @@ private:
     void getPrograss();
     QVariant deleteDupFiles(ThreadWorker* worker);
     void setRemoveProgress(int progress, const QString& path);
-    void refreshOutlineView(int index);
+    void refreshOutlineView(const QList<int>& removed);
     void deleteFinished(const QVariant& leftReasons);
 
     QPointer<MainWindowController> m_superDelegate;
@@ -132,8 +136,8 @@ private:
     std::unique_ptr<DuplicateFilesOpt> m_opt;
     std::unique_ptr<DuplicateResults> m_results;
     int m_remberWitchSelect = 0;
-    QList<SimpleTreeNode::Pointer> m_removalLeaves;  // the copies being removed, in the selection's order
-    QList<SimpleTreeNode::Pointer> m_delNodesArr;    // those removed so far
+    QList<DuplicateResults::Copy> m_removalLeaves;  // the copies being removed, in the selection's order
+    QList<DuplicateResults::Copy> m_delNodesArr;    // those removed so far
     QList<DuplicateRemover::Removal> m_removals;     // one per copy being removed, read by the removal worker
     int m_sortColumn = -1;
     bool m_sortDescending = false;
