@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QSignalSpy>
+#include <map>
 
 using namespace velmora;
 using namespace velmora::test;
@@ -233,4 +234,42 @@ TEST(BrowserCleaning, SafariHistoryAndLocalStorage) {
     EXPECT_FALSE(exists(library + "/Safari/LocalStorage"));
     EXPECT_FALSE(exists(library + "/WebKit/LocalStorage"));
     EXPECT_EQ(categoryNamed(*browsers[0], "Cookies")->size, cookiesBefore);
+}
+
+// A stopped run finishes the category it is cleaning; the ones it has not reached are
+// Skipped as stopped and keep their tick and their data, and so does their browser.
+TEST(BrowserCleaning, StoppedRunLeavesWhatItHasNotReached) {
+    FakeBrowserHome home;
+    const std::string profile = home / ".config/google-chrome/Default";
+    makeChromeProfile(profile, {{"https://a.example/", "https://b.example/"}, 2, 0, 3});
+    int argc = 0;
+    QCoreApplication app(argc, nullptr);
+    const BrowserArr browsers = BrowserCatalogue::scan();
+    tickOnly(browsers, "Google Chrome", {"Browsing History", "Download History", "Cookies"});
+    BrowserCleanJob job;
+    QSignalSpy finished(&job, &BrowserCleanJob::finished);
+    job.cleanBrowerFiles(browsers);
+    job.stop();
+    ASSERT_TRUE(finished.wait(30000));
+    const auto outcomes = finished.first().first().value<QList<CleanOutcome>>();
+    ASSERT_EQ(outcomes.size(), 3);
+    const BrowerObjPtr chrome = browserNamed(browsers, "Google Chrome");
+    const std::map<QString, std::pair<std::string, std::string>> tableOf = {
+        {"Browsing History", {"/History", "urls"}},
+        {"Download History", {"/History", "downloads"}},
+        {"Cookies", {"/Network/Cookies", "cookies"}}};
+    const std::map<QString, int> rowsBefore = {{"Browsing History", 2}, {"Download History", 2}, {"Cookies", 3}};
+    int stopped = 0;
+    for (const CleanOutcome& outcome : outcomes) {
+        const bool notReached = outcome.reason == BrowserCleanJob::kStoppedReason;
+        EXPECT_TRUE(notReached || stopped == 0) << "cleaned after the stop: " << outcome.categoryName.toStdString();
+        if (!notReached) continue;
+        ++stopped;
+        EXPECT_EQ(outcome.status, Status::Skipped);
+        EXPECT_EQ(categoryNamed(*chrome, outcome.categoryName)->isSelect, 1);
+        const auto& [file, table] = tableOf.at(outcome.categoryName);
+        EXPECT_EQ(rowCount(profile + file, table), rowsBefore.at(outcome.categoryName)) << table;
+    }
+    EXPECT_GE(stopped, 1);
+    EXPECT_NE(chrome->isSelect, 0);
 }

@@ -372,6 +372,36 @@ private slots:
         m_window->resize(m_window->minimumSize());
     }
 
+    void quittingDuringWorkStopsItAndCloses_data() {
+        QTest::addColumn<bool>("browserRuns");
+        QTest::newRow("clean run") << false;
+        QTest::newRow("close question") << true;
+    }
+
+    // "Stop and Quit" during a clean run stops it after the category it is cleaning (the
+    // last browser's data is not reached); asked while the close question is open, it
+    // cancels the question: the browser runs on and nothing is cleaned. The window closes.
+    void quittingDuringWorkStopsItAndCloses() {
+        QFETCH(bool, browserRuns);
+        scanAndWait();
+        if (browserRuns) startBraveStandIn();
+        QTest::mouseClick(m_page->cleanButton(), Qt::LeftButton);
+        if (browserRuns) QTRY_VERIFY(m_page->closePanel() && m_page->closePanel()->isVisible());
+        QVERIFY(m_window->isJobRunning());
+        m_window->requestQuit();
+        QVERIFY(m_window->quitQuestion());
+        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
+        QCOMPARE(stop->text(), QString("Stop and Quit"));
+        stop->click();
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), kScanTimeoutMs);
+        QVERIFY(!m_window->isJobRunning());
+        QCOMPARE(rows(m_firefoxProfile + "/places.sqlite", "moz_historyvisits"), 2LL);
+        if (browserRuns) {
+            QCOMPARE(::kill(m_standIn, 0), 0);
+            QCOMPARE(rows(chromeProfile() + "/History", "urls"), 3LL);
+        }
+    }
+
     // No text of the start, scanning and result views is cut at a large and the smallest
     // window (and at scale 2 in the _scale2 run).
     void nothingClippedAtTwoSizes() {

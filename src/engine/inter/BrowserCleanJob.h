@@ -6,6 +6,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <atomic>
 
 namespace velmora {
 
@@ -40,11 +41,15 @@ public:
     // Starts unless a run is under way; emits progress and then finished.
     void cleanBrowerFiles(const BrowserArr& browserArr, CleanOptions options = {});
     bool isRunning() const { return m_run.isRunning(); }
+    // Ends the run after the category being cleaned; the rest are Skipped with kStoppedReason.
+    void stop();
+    static constexpr const char* kStoppedReason = "stopped before it was cleaned";
 
     // The whole run on the calling thread (the CLI), entries updated at the end.
     static QList<CleanOutcome> cleanNow(const BrowserArr& browserArr, CleanOptions options = {});
     // Applies the outcomes to the entries: each category unticked with its new text,
-    // and every browser unticked (the run took all ticked ones).
+    // and every browser unticked (the run took all ticked ones); after a stop, what the
+    // run did not reach keeps its tick.
     static void applyOutcomes(const BrowserArr& browserArr, const QList<CleanOutcome>& outcomes);
 
 signals:
@@ -53,6 +58,7 @@ signals:
 
 private:
     QFuture<QList<CleanOutcome>> m_run;
+    std::atomic_bool m_stop = false;
 };
 
 }  // namespace velmora

@@ -419,6 +419,10 @@ void InternetViewController::cleanBrowerFiles() {
 }
 
 void InternetViewController::startCleanJob() {
+    if (m_stopRequested) {
+        setBusy(false);
+        return;
+    }
     m_cleanIndicator->show();
     CleanOptions options;
     options.thorough = isThorough();
@@ -446,11 +450,22 @@ void InternetViewController::cleanFinished(const QList<CleanOutcome>& outcomes) 
     m_endPanel->open();
 }
 
+void InternetViewController::stopJob() {
+    m_stopRequested = true;
+    if (m_cleanJob->isRunning())
+        m_cleanJob->stop();
+    else if (m_closePanel && m_closePanel->isVisible())
+        m_closePanel->reject();
+    else if (m_accessPanel && m_accessPanel->isVisible())
+        m_accessPanel->reject();
+}
+
 // ---- Shared ------------------------------------------------------------------
 
 // A scan, the close dialog and a clean run lock the sidebar and the page.
 void InternetViewController::setBusy(bool busy) {
     m_isCanClick = !busy;
+    if (!busy) m_stopRequested = false;
     if (m_superDelegate) m_superDelegate->canChangeType(!busy);
     m_scanButton->setEnabled(!busy);
     m_backButton->setEnabled(!busy);

@@ -47,6 +47,10 @@ public:
     void changeCleanButtonState();
     void cleanButtonAction();
     void backButtonAction();
+    // Quitting during a job: a clean run stops after the category it is cleaning (the
+    // rest keep their ticks), an open question is cancelled, a scan is let finish; the
+    // page then unlocks the window as at any end.
+    Q_SLOT void stopJob();
 
     // The state a user sees, for the page's tests.
     const BrowserArr& browserArr() const { return m_browserArr; }
@@ -104,6 +108,7 @@ private:
     QList<RunningBrowser> m_allOpenId;
     bool m_isClose = false;
     bool m_isCanClick = true;
+    bool m_stopRequested = false;
 
     QStackedWidget* m_views = nullptr;
     QWidget* m_startView = nullptr;
