@@ -7,6 +7,7 @@
 #include "gui/erase/SetEraserLevelVC.h"
 #include "gui/widgets/ImageToggle.h"
 #include "gui/widgets/SidebarButton.h"
+#include "gui/widgets/MAAttachedWindow.h"
 #include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/Style.h"
 
@@ -202,6 +203,38 @@ private slots:
         window.canChangeType(true);
         QTest::mouseClick(window.allTypeButArr().at(5), Qt::LeftButton);
         QCOMPARE(window.indexSelectView(), 5);
+    }
+
+    // While a modal panel blocks the window the window system drops clicks on it, the red
+    // button's too: its stand-in then stands over it, follows the window and asks during a
+    // job; it goes with the panel.
+    void redButtonAsksWhileAModalPanelBlocksTheWindow() {
+        MainWindowController window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QWidget* standIn = window.closeStandIn();
+        QPushButton* red = window.closeButton();
+        QVERIFY(!standIn->isVisible());
+        window.canChangeType(false);  // a page runs a job
+        auto* panel = new MAAttachedWindow(&window);
+        panel->setAttribute(Qt::WA_DeleteOnClose);
+        panel->open();
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, red->mapTo(&window, red->rect().center()));
+        QVERIFY(!window.quitQuestion());
+
+        for (const QPoint& shift : {QPoint(0, 0), QPoint(40, 30)}) {
+            window.move(window.pos() + shift);
+            QTRY_COMPARE(standIn->geometry(), QRect(red->mapToGlobal(QPoint(0, 0)), red->size()));
+            QVERIFY(standIn->isVisible());
+        }
+        QTest::mouseClick(standIn->windowHandle(), Qt::LeftButton, {}, standIn->rect().center());
+        QTRY_VERIFY(window.quitQuestion());
+        QTest::keyClick(window.quitQuestion(), Qt::Key_Escape);  // Cancel: the job and the window stay
+        QTRY_VERIFY(!window.quitQuestion());
+        QVERIFY(window.isVisible());
+        panel->close();
+        QTRY_VERIFY(!standIn->isVisible());
+        window.canChangeType(true);
     }
 
     void levelPanelSavesOnlyOnSave() {

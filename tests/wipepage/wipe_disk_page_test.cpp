@@ -519,6 +519,51 @@ private slots:
         }
     }
 
+    void quittingDuringARunCancelsItRecordsItAndCloses_data() {
+        QTest::addColumn<int>("tag");
+        QTest::addColumn<QString>("tool");
+        QTest::newRow("free space") << 2 << "Erase Free Space";
+        QTest::newRow("whole drive") << 1 << "Erase Hard Drive";
+    }
+
+    // The red button over the progress view asks; "Stop and Quit" cancels the run as its
+    // Cancel does: the run is recorded as failed (never erased), its fill folder goes, the
+    // window closes once the run has ended.
+    void quittingDuringARunCancelsItRecordsItAndCloses() {
+        QFETCH(int, tag);
+        QFETCH(QString, tool);
+        EraserLevel::store(35);  // a long run, so that the quit meets it under way
+        const QStringList before = results(tool);
+        MAAttachedWindow* confirm = openConfirmation(tag);
+        QVERIFY(confirm);
+        bool filling = false;
+        connect(m_page->freeSpaceWipe(), &FreeSpaceWipe::setRemoveProgress, this, [&] { filling = true; });
+        QTest::mouseClick(tag == 1 ? m_page->makeSureDiskPanel()->continueButton()
+                                   : m_page->makeSureFreeSpacePanel()->continueButton(),
+                          Qt::LeftButton);
+        const bool filled = waitUntil([&] { return filling; }, 120000);
+        EraserLevel::store(1);
+        QVERIFY(filled);
+
+        // The window is blocked by the progress view: the click lands on the red button's stand-in.
+        QWidget* standIn = m_window->closeStandIn();
+        QVERIFY(waitUntil([standIn] { return standIn->isVisible(); }, 5000));
+        QCOMPARE(standIn->geometry(), QRect(m_window->closeButton()->mapToGlobal(QPoint(0, 0)),
+                                            m_window->closeButton()->size()));
+        QTest::mouseClick(standIn->windowHandle(), Qt::LeftButton, {}, standIn->rect().center());
+        QVERIFY(waitUntil([this] { return m_window->quitQuestion() != nullptr; }, 5000));
+        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
+        QCOMPARE(stop->text(), QString("Stop and Quit"));
+        QVERIFY(m_window->isJobRunning());
+        stop->click();
+        QVERIFY(waitUntil([this] { return !m_window->isVisible(); }, 120000));
+        QVERIFY(!m_window->isJobRunning());
+        const QStringList after = results(tool);
+        QCOMPARE(after.size(), before.size() + 1);
+        QCOMPARE(after.last(), QString("Failed"));
+        if (tag == 2) QVERIFY(!QFileInfo::exists(m_mountPoint + "/.Velmora"));
+    }
+
 private:
     // Opens the tool (1 "Erase Hard Drive", 2 "Erase Free Space"), chooses the test volume
     // and clicks "Erase Now": the confirmation shown, or null when a step did not happen.

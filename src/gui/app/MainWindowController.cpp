@@ -23,6 +23,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPalette>
 #include <QPainter>
 #include <QPainterPath>
 #include <QParallelAnimationGroup>
@@ -162,9 +163,23 @@ MainWindowController::MainWindowController(QWidget* parent)
 }
 
 void MainWindowController::addWindowButtons() {
-    auto* close = windowButton(QColor(0xE0, 0x56, 0x5B), "Close", m_sidebar);
-    close->move(18, 16);
-    connect(close, &QPushButton::clicked, this, &MainWindowController::requestQuit);
+    const QColor red(0xE0, 0x56, 0x5B);
+    m_closeButton = windowButton(red, "Close", m_sidebar);
+    m_closeButton->move(18, 16);
+    connect(m_closeButton, &QPushButton::clicked, this, &MainWindowController::requestQuit);
+    // A window without a parent is outside the blocked window's family, and a tool tip
+    // stays over the window; the stand-in takes no focus.
+    m_closeStandIn = std::make_unique<QWidget>(nullptr, Qt::ToolTip | Qt::FramelessWindowHint);
+    m_closeStandIn->setObjectName("closeStandIn");
+    m_closeStandIn->setAttribute(Qt::WA_ShowWithoutActivating);
+    m_closeStandIn->setAutoFillBackground(true);
+    QPalette background = m_closeStandIn->palette();
+    background.setColor(QPalette::Window, Style::kSidebar);
+    m_closeStandIn->setPalette(background);
+    auto* standInButton = windowButton(red, "Close", m_closeStandIn.get());
+    standInButton->setFocusPolicy(Qt::NoFocus);
+    m_closeStandIn->setFixedSize(standInButton->size());
+    connect(standInButton, &QPushButton::clicked, this, &MainWindowController::requestQuit);
     auto* minimise = windowButton(QColor(0xE8, 0xA9, 0x3A), "Minimize", m_sidebar);
     minimise->move(38, 16);
     connect(minimise, &QPushButton::clicked, this, &QWidget::showMinimized);
@@ -430,7 +445,30 @@ void MainWindowController::askToStopJobAndQuit() {
     panel->open();
 }
 
+void MainWindowController::updateCloseStandIn() {
+    QWidget* blocking = QApplication::activeModalWidget();
+    QWidget* owner = blocking && blocking->parentWidget() ? blocking->parentWidget()->window() : nullptr;
+    while (owner && owner != this && owner->parentWidget()) owner = owner->parentWidget()->window();
+    const bool blocked = owner == this && isVisible() && !isMinimized() && !m_quitting &&
+                         QGuiApplication::applicationState() == Qt::ApplicationActive;
+    if (!blocked) {
+        m_closeStandIn->hide();
+        return;
+    }
+    m_closeStandIn->move(m_closeButton->mapToGlobal(QPoint(0, 0)));
+    m_closeStandIn->show();
+}
+
 bool MainWindowController::eventFilter(QObject* watched, QEvent* event) {
+    // A modal panel shown or hidden, the window moved: the close stand-in follows.
+    const QEvent::Type type = event->type();
+    if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::Move || type == QEvent::Resize ||
+        type == QEvent::ApplicationStateChange) {
+        auto* widget = qobject_cast<QWidget*>(watched);
+        if ((widget && widget->isWindow() && widget != m_closeStandIn.get()) || type == QEvent::ApplicationStateChange)
+            QTimer::singleShot(0, this, &MainWindowController::updateCloseStandIn);
+    }
+
     // Ctrl+Q reaches the window also while one of its modal panels has the keyboard.
     if (event->type() == QEvent::KeyPress &&
         QKeySequence(static_cast<QKeyEvent*>(event)->keyCombination()) == kQuitKeys) {

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QPointer>
 #include <QWidget>
+#include <memory>
 
 class QAction;
 class QLabel;
@@ -65,6 +66,11 @@ public:
     bool isJobRunning() const { return m_jobRunning; }
     // The question asked when the window is closed during a job, while it is open.
     QWidget* quitQuestion() const { return m_quitQuestion; }
+    // While a modal panel blocks the window, the window system drops clicks on the window,
+    // the red button's among them: a small unblocked window with the same button stands
+    // over it then (shown only while the application is active).
+    QWidget* closeStandIn() const { return m_closeStandIn.get(); }
+    QPushButton* closeButton() const { return m_closeButton; }
 
     int indexSelectView() const { return m_indexSelectView; }
     const QList<SidebarButton*>& allTypeButArr() const { return m_allTypeButArr; }
@@ -96,6 +102,7 @@ private:
     void askToStopJobAndQuit();
     void quitNow();
     void closePanels();
+    void updateCloseStandIn();
     QWidget* currentPage() const;
 
     QWidget* m_sidebar;
@@ -103,6 +110,8 @@ private:
     QMenu* m_applicationMenu;
     ImageToggle* m_menuButton;
     QPushButton* m_maximizeButton = nullptr;
+    QPushButton* m_closeButton = nullptr;
+    std::unique_ptr<QWidget> m_closeStandIn;
     QLabel* m_nameLabel = nullptr;
     QPointer<QWidget> m_quitQuestion;
     QPointer<QParallelAnimationGroup> m_slide;

@@ -362,6 +362,11 @@ void WipeDiskViewController::lockSidebar(bool locked) {
     if (m_superDelegate) m_superDelegate->canChangeType(!locked);
 }
 
+void WipeDiskViewController::stopJob() {
+    if (m_runActive && m_progressPanel && m_progressPanel->cancelButton()->isEnabled())
+        m_progressPanel->cancelButton()->click();
+}
+
 void WipeDiskViewController::endAppRemoveFolder() { m_wipe->endAppRemoveFolder(); }
 
 }  // namespace velmora

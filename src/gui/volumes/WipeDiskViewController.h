@@ -78,6 +78,9 @@ public slots:
     // 1 "Erase Hard Drive", 2 "Erase Free Space" (the sidebar's tags).
     void changeFormatOrFreeSpaceView(int tag);
     void endAppRemoveFolder();
+    // Quitting during a run: cancels it as the progress view's Cancel does; the run ends
+    // cancelled, is recorded so, and the page unlocks the window.
+    void stopJob();
 
 protected:
     // Up and Down in the focused volume list choose the volume above or below.
