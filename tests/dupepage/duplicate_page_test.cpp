@@ -29,6 +29,7 @@
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMenu>
 #include <QMimeData>
 #include <QPainter>
 #include <QPushButton>
@@ -729,6 +730,71 @@ private slots:
         m_page->searchPathChosen(root);
         QVERIFY(!m_page->bSearchFinished());
         m_window.reset();
+    }
+
+    // The menu key and Shift+F10 open the current row's menu, as a right click does;
+    // Escape closes it.
+    void rowMenuOpensFromTheKeyboard() {
+        searchAndWait(makeTree());
+        QTreeView* outline = m_page->outlineView();
+        outline->setFocus(Qt::TabFocusReason);
+        outline->setCurrentIndex(outline->model()->index(0, 0));
+        for (const QKeyCombination keys : {QKeyCombination(Qt::Key_Menu), QKeyCombination(Qt::ShiftModifier, Qt::Key_F10)}) {
+            QTest::keyClick(outline, keys.key(), keys.keyboardModifiers());
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            QVERIFY2(menu, qPrintable(QKeySequence(keys).toString()));
+            QCOMPARE(menu->actions().size(), 2);
+            QCOMPARE(menu->actions().first()->text(), QString("Open"));
+            QVERIFY(menu->geometry().intersects(
+                QRect(outline->viewport()->mapToGlobal(QPoint(0, 0)), outline->viewport()->size())));
+            QTest::keyClick(menu, Qt::Key_Escape);
+            QTRY_VERIFY(!QApplication::activePopupWidget());
+        }
+        QTest::keyClick(outline, Qt::Key_F10);
+        QVERIFY(!QApplication::activePopupWidget());
+    }
+
+    void quittingDuringWorkStopsItAndCloses_data() {
+        QTest::addColumn<bool>("removal");
+        QTest::newRow("search") << false;
+        QTest::newRow("removal") << true;
+    }
+
+    // "Stop and Quit" during a search or a removal stops it as its Stop button does;
+    // the window closes once the page has ended the run.
+    void quittingDuringWorkStopsItAndCloses() {
+        QFETCH(bool, removal);
+        const QString root = m_scratch->path() + "/pairs";
+        for (int pair = 0; pair < 400; ++pair) {
+            const QByteArray content = contentFor(7000 + pair, 1500 + pair);
+            writeFile(QString("%1/a%2/f%3.bin").arg(root).arg(pair % 40).arg(pair), content);
+            writeFile(QString("%1/b%2/f%3.bin").arg(root).arg(pair % 40).arg(pair), content);
+        }
+        if (removal) {
+            searchAndWait(root);
+            m_page->delDuplicateItems();
+            QVERIFY(m_page->progressPanel());
+        } else {
+            m_page->searchPathChosen(root);
+        }
+        QVERIFY(m_window->isJobRunning());
+        m_window->requestQuit();
+        QVERIFY(m_window->quitQuestion());
+        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
+        QCOMPARE(stop->text(), QString("Stop and Quit"));
+        stop->click();
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), kSearchTimeoutMs);
+        QVERIFY(!m_window->isJobRunning());
+        if (removal) {
+            qsizetype left = 0;
+            for (const QString& folder : QDir(root).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+                left += QDir(root + "/" + folder).entryList(QDir::Files).size();
+            QVERIFY2(left > 400, qPrintable(QString("%1 files left").arg(left)));  // stopped before the last copy
+        } else {
+            QVERIFY(m_page->bSearchFinished());
+            const size_t found = m_page->results() ? m_page->results()->groups(DuplicateResults::None).size() : 0;
+            QVERIFY2(found < 400, qPrintable(QString("found %1 groups").arg(found)));
+        }
     }
 
     // No text of the start, result and empty views (nor a size in the outline)

@@ -59,6 +59,14 @@ void DuplicateOutlineView::keyPressEvent(QKeyEvent* event) {
         emit checkBoxClicked(current.siblingAtColumn(DuplicateOutlineModel::Name));
         return;
     }
+    // The menu key and Shift+F10 open the current row's menu, where a right click would.
+    const bool menuKey = event->key() == Qt::Key_Menu && event->modifiers() == Qt::NoModifier;
+    const bool shiftF10 = event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier;
+    if ((menuKey || shiftF10) && current.isValid()) {
+        scrollTo(current);
+        emit customContextMenuRequested(visualRect(current).center());
+        return;
+    }
     QTreeView::keyPressEvent(event);
 }
 

@@ -7,7 +7,8 @@ namespace velmora {
 // The tree view of the duplicate outline: a click on a row's checkbox is
 // reported as checkBoxClicked, a click on a group's arrow opens or closes it.
 // From the keyboard: the arrows move between rows (left and right close and
-// open a group) and Space ticks the row inside the focus ring.
+// open a group), Space ticks the row inside the focus ring, and the menu key or
+// Shift+F10 asks for that row's menu (customContextMenuRequested).
 class DuplicateOutlineView : public QTreeView {
     Q_OBJECT
 public:
