@@ -264,6 +264,55 @@ private slots:
         QVERIFY(m_page->closeButton()->isEnabled());
     }
 
+    // "Stop and Quit" during a copy stops it as its Cancel does: what was not reached is
+    // not copied, and the window closes once the page has ended the run.
+    void quittingDuringACopyStopsItAndCloses() {
+        for (int folder = 0; folder < 20; ++folder) {
+            QCOMPARE(mkdir((m_sourceMount + "/q" + std::to_string(folder)).c_str(), 0755), 0);
+            for (int file = 0; file < 40; ++file)
+                test::writeFile(m_sourceMount + "/q" + std::to_string(folder) + "/" + std::to_string(file),
+                                std::string(20000, 'x'));
+        }
+        QVERIFY(openFromMenu());
+        chooseRow(m_page->sourcePicker(), m_sourceMount);
+        chooseRow(m_page->destinationPicker(), m_destinationMount);
+        QTest::mouseClick(m_page->copyButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return m_page->makeSurePanel() != nullptr; }));
+        QTest::mouseClick(m_page->makeSurePanel()->copyButton(), Qt::LeftButton);
+        QVERIFY(m_page->copyProgressVC());
+        QVERIFY(m_window->isJobRunning());
+        m_window->requestQuit();
+        QVERIFY(m_window->quitQuestion());
+        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
+        QCOMPARE(stop->text(), QString("Stop and Quit"));
+        stop->click();
+        QVERIFY(waitUntil([this] { return !m_window->isVisible(); }));
+        QVERIFY(!m_window->isJobRunning());
+        QVERIFY(!m_page->isCopying());
+        int copied = 0;
+        for (int folder = 0; folder < 20; ++folder)
+            for (int file = 0; file < 40; ++file)
+                copied += test::exists(cloneFolderIn(m_destinationMount) + "/q" + std::to_string(folder) + "/" +
+                                       std::to_string(file));
+        QVERIFY2(copied < 800, qPrintable(QString("%1 files copied").arg(copied)));
+    }
+
+    // In a large window the page slides in from below the page area to cover it whole,
+    // follows a resize, and slides out below it again.
+    void slidesOverTheWholePageAreaInALargeWindow() {
+        m_window->resize(1500, 950);
+        m_window->showDiskCopyView();
+        QCOMPARE(m_page->pos(), QPoint(0, m_window->pageArea()->height()));
+        QVERIFY(waitUntil([this] { return m_page->pos() == QPoint(0, 0); }, 3000));
+        QCOMPARE(m_page->size(), m_window->pageArea()->size());
+        m_window->resize(m_window->minimumSize());
+        QCOMPARE(m_page->geometry(), m_window->pageArea()->rect());
+        m_window->resize(1500, 950);
+        m_page->closePage();
+        QVERIFY(waitUntil([this] { return !m_page->isVisible(); }, 3000));
+        QCOMPARE(m_page->pos(), QPoint(0, m_window->pageArea()->height()));
+    }
+
     // From the keyboard alone: Tab reaches the drive rows (Space chooses) and "Copy Now";
     // Space asks, with Cancel focused and default, so Enter (like Escape) copies nothing.
     void keyboardNeverCopiesByEnter() {

@@ -326,6 +326,11 @@ void DiskCopyViewController::beginToCopyFiles() {
     m_copyProgressVC->open();
 }
 
+void DiskCopyViewController::stopJob() {
+    if (m_copying && m_copyProgressVC && m_copyProgressVC->cancelButton()->isEnabled())
+        m_copyProgressVC->cancelButton()->click();
+}
+
 void DiskCopyViewController::copyEnded(const CopyResult& result) {
     m_copying = false;
     m_bytesTimer->stop();

@@ -48,6 +48,9 @@ public:
     void changeSelectCopyType(int index);
     void cloneButtonAction();
     bool isCopying() const { return m_copying; }
+    // Quitting during a copy: stops it as the progress view's Cancel does; the page ends
+    // the run (its fail view) and unlocks the window.
+    Q_SLOT void stopJob();
 
     DiskCopyLogic& logic() { return m_logic; }
     // The parts a user sees, for the page's tests.
