@@ -250,6 +250,33 @@ private slots:
         QCOMPARE(m_page->counterText(), QString("Total: 3 Items"));
     }
 
+    void quittingDuringAJobStopsItAndCloses_data() {
+        QTest::addColumn<bool>("removing");
+        QTest::newRow("confirmation") << false;
+        QTest::newRow("removal") << true;
+    }
+
+    // "Stop and Quit" while the confirmation is open cancels it and removes nothing; during
+    // a removal it lets the removal end (never cut off halfway) and closes its end view.
+    // Either way the window closes once the page is unlocked.
+    void quittingDuringAJobStopsItAndCloses() {
+        QFETCH(bool, removing);
+        tick("Go");
+        QTest::mouseClick(m_page->removeButton(), Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->makeSurePanel() && m_page->makeSurePanel()->isVisible(), kTimeoutMs);
+        if (removing) QTest::mouseClick(m_page->makeSurePanel()->uninstallButton(), Qt::LeftButton);
+        QVERIFY(m_window->isJobRunning());
+        m_window->requestQuit();
+        QVERIFY(m_window->quitQuestion());
+        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
+        QCOMPARE(stop->text(), QString("Stop and Quit"));
+        stop->click();
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), kTimeoutMs);
+        QVERIFY(!m_window->isJobRunning());
+        QCOMPARE(exists(home("Applications/Go-1.2-x86_64.AppImage")), !removing);
+        QCOMPARE(exists(home(".config/Go")), !removing);
+    }
+
     // The per-row remove of a running application: the confirmation names it with "Quit
     // it first". With the application itself unticked it stays on disk and in the list; a
     // settings file that cannot be deleted makes the end view name it instead of claiming

@@ -424,6 +424,10 @@ void UninstallViewController::collectRelatedFiles(const AMAppItemList& applicati
 void UninstallViewController::showSelectListWindiwWith(const QList<AMAppItemList>& allRelaltedFiles) {
     m_scanningLabel->hide();
     m_scanningLabel->setText("Scanning…");
+    if (m_stopRequested) {
+        setBusy(false);
+        return;
+    }
     if (m_makeSure) m_makeSure->deleteLater();
     if (m_session) m_session->deleteLater();
     m_session = new UninstallSession(allRelaltedFiles, this);
@@ -457,6 +461,9 @@ void UninstallViewController::doRemove() {
     connect(m_session, &UninstallSession::changeProgressValue, progress,
             &UninstallProgressViewController::changeProgressValue);
     connect(progress, &UninstallProgressViewController::okButtonAction, this, &UninstallViewController::uninstallEnd);
+    connect(m_session, &UninstallSession::removalFinished, progress, [this, progress] {
+        if (m_stopRequested) progress->okButton()->click();
+    }, Qt::QueuedConnection);
     progress->changeProgressValue(0, QString());
     progress->open();
     m_session->doRemove();
@@ -493,11 +500,20 @@ void UninstallViewController::completeCleanRelatedFiles() {
     changeSelectAllButtonState();
 }
 
+void UninstallViewController::stopJob() {
+    m_stopRequested = true;
+    if (m_makeSure && m_makeSure->isVisible())
+        m_makeSure->reject();
+    else if (m_progress && m_progress->isEndViewShown())
+        m_progress->okButton()->click();
+}
+
 // ---- Shared ------------------------------------------------------------------
 
 // From the confirmation until the end message closes, the page and the sidebar are locked.
 void UninstallViewController::setBusy(bool busy) {
     m_isCanClick = !busy;
+    if (!busy) m_stopRequested = false;
     if (m_superDelegate) m_superDelegate->canChangeType(!busy);
     m_searchField->setEnabled(!busy);
     m_sortButton->setEnabled(!busy);

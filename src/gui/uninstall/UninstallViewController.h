@@ -47,6 +47,10 @@ public:
     void oneAppRemove(int row);
     void showSelectListWindiwWith(const QList<AMAppItemList>& allRelaltedFiles);
     void completeCleanRelatedFiles();
+    // Quitting during a job: an open confirmation is cancelled; a removal under way is not
+    // cut off halfway (a package manager may be in the middle of a transaction), it ends
+    // and its end message is closed; the page then unlocks the window as at any end.
+    Q_SLOT void stopJob();
 
     // The state a user sees, for the page's tests.
     ApplicationInventory* inventory() const { return m_inventory; }
@@ -126,6 +130,7 @@ private:
     UninstallSession* m_session = nullptr;
     QPointer<MakeSureUninstallViewController> m_makeSure;
     QPointer<UninstallProgressViewController> m_progress;
+    bool m_stopRequested = false;
 };
 
 }  // namespace velmora
