@@ -184,6 +184,31 @@ private slots:
         QVERIFY(!m_page->ejectButton()->isEnabled());
     }
 
+    // "Stop and Quit" during a format lets it end (a volume formatted halfway would be
+    // unreadable): the page says the window closes then, and it does, the volume formatted.
+    void quittingDuringAFormatLetsItEndAndCloses() {
+        QVERIFY(openMode(3));
+        clickRow(m_page, rowOfDevice(m_page, m_device));
+        QVERIFY(settled());
+        MakeSureFormatViewController* confirm = openConfirmation();
+        QVERIFY(confirm);
+        confirm->nameField()->selectAll();
+        QTest::keyClicks(confirm->nameField(), "QUITFMT");
+        QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
+        QVERIFY(m_page->diskTool()->isRunning());
+        QVERIFY(m_window->isJobRunning());
+        m_window->requestQuit();
+        QVERIFY(m_window->quitQuestion());
+        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
+        QCOMPARE(stop->text(), QString("Stop and Quit"));
+        stop->click();
+        QVERIFY(m_page->selectedLabel()->text().endsWith("the window closes when the format has finished."));
+        QVERIFY(m_window->isVisible());
+        QVERIFY(waitUntil([this] { return !m_window->isVisible(); }, 120000));
+        QVERIFY(!m_page->diskTool()->isRunning());
+        QCOMPARE(blkidTypeAndLabel(m_volume->node()), std::string("ext4 QUITFMT"));
+    }
+
     // "Disk Format": the confirmation with the engine's type list, Enter that only
     // cancels, a real format as FAT32 with the sidebar locked, and the end view after
     // the rescan; a name exFAT cannot take ends in the end view as a failure.

@@ -316,6 +316,12 @@ void RepairDiskViewController::showFormatEndWindow() {
     m_formatEndPanel->open();
 }
 
+void RepairDiskViewController::stopJob() {
+    if (m_diskTool->isRunning())
+        m_selectedLabel->setText(
+            QString("Formatting \"%1\"… the window closes when the format has finished.").arg(m_actionVolume.volumeName));
+}
+
 void RepairDiskViewController::lockSidebar(bool locked) {
     if (m_superDelegate) m_superDelegate->canChangeType(!locked);
 }

@@ -75,6 +75,9 @@ public slots:
     void getallVolumes();
     // 1 "Disk Format", 0 "Disk Tool"; rescans the list.
     void setIsFormatOrRename(int isFormat);
+    // Quitting during a format: a format is never cut off halfway (that would leave the
+    // volume unreadable); the page says so, and unlocks the window when the format ends.
+    void stopJob();
 
 protected:
     // Up and Down in the focused volume list choose the volume above or below.
