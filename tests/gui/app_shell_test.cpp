@@ -300,6 +300,39 @@ private slots:
         QVERIFY(first.waitForFinished(10000));
     }
 
+    // Missing helper programs are told in a window, and in the velmora.app log, which is
+    // off by default: the line reaches standard error only once the log is turned on.
+    void missingHelperIsLoggedOnlyWhenAsked() {
+        const QString binary = qEnvironmentVariable("VELMORA_BIN_DIR") + "/velmora";
+        if (!QFile::exists(binary)) QSKIP("the velmora binary is not built");
+        QTemporaryDir noTools;
+        QTemporaryDir temporary;  // its own single-instance socket
+        for (const bool logged : {false, true}) {
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert("QT_QPA_PLATFORM", "offscreen");
+            environment.insert("VELMORA_BIN_DIR", noTools.path());
+            environment.insert("TMPDIR", temporary.path());
+            environment.remove("QT_LOGGING_RULES");
+            if (logged) environment.insert("QT_LOGGING_RULES", "velmora.app.warning=true");
+            QProcess app;
+            app.setProcessEnvironment(environment);
+            app.start(binary, {});
+            QVERIFY(app.waitForStarted());
+            QByteArray errors;
+            const QByteArray line = "helper program missing: " + noTools.path().toUtf8() + "/srm";
+            for (int waited = 0; waited < 4000 && !errors.contains(line); waited += 100) {
+                app.waitForReadyRead(100);
+                errors += app.readAllStandardError();
+            }
+            QCOMPARE(app.state(), QProcess::Running);
+            app.terminate();
+            QVERIFY(app.waitForFinished(10000));
+            errors += app.readAllStandardError();
+            QCOMPARE(app.readAllStandardOutput(), QByteArray());
+            QVERIFY2(errors.contains(line) == logged, errors.constData());
+        }
+    }
+
 private:
     QTemporaryDir m_data;
 };

@@ -1,10 +1,10 @@
 #include "gui/app/HelperToolsCheck.h"
 
+#include "engine/platform/LogCategories.h"
 #include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
 #include <QMessageBox>
-#include <cstdio>
 #include <unistd.h>
 
 namespace velmora {
@@ -23,7 +23,7 @@ void warnAboutMissingHelperTools(QWidget* parent) {
     if (missing.isEmpty()) return;
     QStringList shown;
     for (const QString& path : missing) {
-        std::fprintf(stderr, "velmora: helper program missing: %s\n", escapedPath(path).toLocal8Bit().constData());
+        qCWarning(lcApp, "helper program missing: %s", qPrintable(escapedPath(path)));
         shown.append(displayPath(path));
     }
     auto* box = new QMessageBox(QMessageBox::Warning, "Velmora Data Eraser is incomplete",

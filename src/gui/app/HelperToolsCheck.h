@@ -10,7 +10,7 @@ namespace velmora {
 // (StandardPaths::toolPath), as their paths; empty when the installation is whole.
 QStringList missingHelperTools();
 
-// Says on standard error, and in a window over `parent`, which helper tools are
+// Says in a window over `parent` (and in the velmora.app log) which helper tools are
 // missing, so an incomplete installation is told at launch instead of failing in
 // the middle of an erasure. Does nothing when none is missing.
 void warnAboutMissingHelperTools(QWidget* parent);
