@@ -2,11 +2,11 @@
 // disk page, source and destination chosen with their refusal, files picked in the tree,
 // confirmed, copied with progress, and the end view: success, a file the copy could not
 // read listed in the details, and a copy stopped by the user.
-#include "KeyboardWalk.h"
+#include "support/KeyboardWalk.h"
 #include "support/FileAccessOverride.h"
 #include "support/LoopVolume.h"
 #include "support/TestFiles.h"
-#include "erasepage/PanelScreenshot.h"
+#include "support/PanelScreenshot.h"
 #include "support/PageTestSupport.h"
 #include "engine/copy/DiskCopyLogic.h"
 #include "gui/app/MainWindowController.h"

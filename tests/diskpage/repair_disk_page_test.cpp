@@ -1,10 +1,10 @@
 // The "Disk Format" / "Disk Tool" page on real volumes: an ext4 file system on a
 // loop device is listed, renamed, formatted and ejected through the page.
-#include "KeyboardWalk.h"
+#include "support/KeyboardWalk.h"
 #include "support/ChildProcess.h"
 #include "support/LoopVolume.h"
-#include "erasepage/PanelScreenshot.h"
-#include "TempDataDir.h"
+#include "support/PanelScreenshot.h"
+#include "support/TempDataDir.h"
 #include "support/PageTestSupport.h"
 #include "engine/volumes/FormatChoices.h"
 #include "gui/app/MainWindowController.h"

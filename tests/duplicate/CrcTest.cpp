@@ -1,4 +1,4 @@
-#include "DuplicateTestTree.h"
+#include "support/DuplicateTestTree.h"
 #include "engine/duplicate/algorithm.h"
 #include "engine/duplicate/crc.h"
 

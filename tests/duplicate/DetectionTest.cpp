@@ -1,4 +1,4 @@
-#include "TrickyTree.h"
+#include "support/TrickyTree.h"
 #include "engine/duplicate/DuplicateFilesOpt.h"
 #include "engine/platform/NativePath.h"
 

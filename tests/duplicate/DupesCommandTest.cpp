@@ -1,5 +1,5 @@
 #include "CliRun.h"
-#include "TrickyTree.h"
+#include "support/TrickyTree.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

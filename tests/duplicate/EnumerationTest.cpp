@@ -1,4 +1,4 @@
-#include "DuplicateTestTree.h"
+#include "support/DuplicateTestTree.h"
 #include "engine/duplicate/getFileList.h"
 
 #include <QSet>

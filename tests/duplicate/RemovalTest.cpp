@@ -1,4 +1,4 @@
-#include "DuplicateTestTree.h"
+#include "support/DuplicateTestTree.h"
 #include "engine/duplicate/DuplicateFilesOpt.h"
 #include "engine/duplicate/DuplicateRemover.h"
 #include "engine/duplicate/DuplicateResults.h"

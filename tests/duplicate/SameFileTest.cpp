@@ -1,5 +1,5 @@
 #include "CliRun.h"
-#include "DuplicateTestTree.h"
+#include "support/DuplicateTestTree.h"
 #include "engine/duplicate/DuplicateFilesOpt.h"
 #include "engine/duplicate/getFileList.h"
 

@@ -1,5 +1,5 @@
 // The disk wipes' leftover remover with the real secure-remove tool.
-#include "EraseTestSupport.h"
+#include "support/EraseTestSupport.h"
 #include "engine/erase/DoRemoveObj.h"
 
 #include <QEventLoop>

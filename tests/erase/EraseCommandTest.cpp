@@ -1,5 +1,5 @@
 // velmora-cli erase end to end: the real program, the real tool, the real history.
-#include "EraseTestSupport.h"
+#include "support/EraseTestSupport.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
 #include "engine/platform/NativePath.h"

@@ -1,6 +1,6 @@
 // Erasing a chosen folder never reaches outside it: not through a folder swapped for a
 // link while the run is under way, and not into a file system mounted inside it.
-#include "EraseTestSupport.h"
+#include "support/EraseTestSupport.h"
 #include "engine/erase/EraseList.h"
 #include "engine/erase/EraserLevel.h"
 #include "support/ChildProcess.h"

@@ -1,5 +1,5 @@
 // The erase list built from the page's records when the erase is confirmed, on real folders.
-#include "EraseTestSupport.h"
+#include "support/EraseTestSupport.h"
 #include "engine/erase/EraseList.h"
 #include "engine/platform/NativePath.h"
 #include "support/TestFiles.h"

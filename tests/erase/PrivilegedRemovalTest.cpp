@@ -1,6 +1,6 @@
 // Removal with administrator rights: the privileged helper's protocol and
 // refusals, and the two rights holders on their root path (no prompt).
-#include "EraseTestSupport.h"
+#include "support/EraseTestSupport.h"
 #include "engine/erase/AsMDeleteExecutor.h"
 #include "engine/erase/FileDeletion.h"
 #include "engine/erase/KxAuthorization.h"

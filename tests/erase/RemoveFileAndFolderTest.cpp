@@ -1,5 +1,5 @@
 // The file eraser's engine on real files with the real secure-remove tool.
-#include "EraseTestSupport.h"
+#include "support/EraseTestSupport.h"
 #include "engine/erase/EraseList.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/RemoveFileAndFolder.h"

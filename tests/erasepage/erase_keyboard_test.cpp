@@ -1,6 +1,6 @@
-#include "LayoutCheck.h"
+#include "support/LayoutCheck.h"
 #include "support/PageTestSupport.h"
-#include "PanelScreenshot.h"
+#include "support/PanelScreenshot.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"

@@ -1,4 +1,4 @@
-#include "PanelScreenshot.h"
+#include "support/PanelScreenshot.h"
 #include "support/PageTestSupport.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"

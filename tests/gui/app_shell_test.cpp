@@ -1,5 +1,5 @@
-#include "LayoutCheck.h"
-#include "Screenshot.h"
+#include "support/LayoutCheck.h"
+#include "support/Screenshot.h"
 #include "engine/erase/EraserLevel.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/volumes/RepairDiskViewController.h"

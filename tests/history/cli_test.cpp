@@ -1,6 +1,6 @@
 #include "HistorySql.h"
 #include "QStringPrinter.h"
-#include "TempDataDir.h"
+#include "support/TempDataDir.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"
 #include "engine/history/HistoryKey.h"

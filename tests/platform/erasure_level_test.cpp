@@ -1,4 +1,4 @@
-#include "TempDataDir.h"
+#include "support/TempDataDir.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"
 

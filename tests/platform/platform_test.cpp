@@ -1,4 +1,4 @@
-#include "TempDataDir.h"
+#include "support/TempDataDir.h"
 #include "engine/platform/PropertyList.h"
 #include "engine/platform/StandardPaths.h"
 #include "engine/platform/SteadyWiperBase.h"

@@ -1,6 +1,6 @@
 // The per-user temporary folder: only a real folder of ours, mode 0700, is used;
 // one prepared by another user or a link planted in its place is refused.
-#include "TempDataDir.h"
+#include "support/TempDataDir.h"
 #include "engine/platform/StandardPaths.h"
 
 #include <QDir>

@@ -1,5 +1,5 @@
-#include "Screenshot.h"
-#include "TempDataDir.h"
+#include "support/Screenshot.h"
+#include "support/TempDataDir.h"
 #include "engine/platform/PropertyList.h"
 #include "engine/platform/SteadyWiperBase.h"
 #include "engine/update/HttpGet.h"

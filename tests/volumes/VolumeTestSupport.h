@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TempDataDir.h"
+#include "support/TempDataDir.h"
 #include "engine/history/DoDataBase.h"
 
 #include <QByteArray>

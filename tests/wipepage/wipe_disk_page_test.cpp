@@ -1,9 +1,9 @@
 // The disk-wipe page on real volumes: a small ext4 file system on a loop
 // device is listed, chosen and (in free-space mode) wiped through the page.
 #include "support/LoopVolume.h"
-#include "KeyboardWalk.h"
-#include "erasepage/PanelScreenshot.h"
-#include "TempDataDir.h"
+#include "support/KeyboardWalk.h"
+#include "support/PanelScreenshot.h"
+#include "support/TempDataDir.h"
 #include "support/PageTestSupport.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DuplicateTestTree.h"
+#include "support/DuplicateTestTree.h"
 #include "engine/duplicate/getFileList.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Screenshot.h"
+#include "support/Screenshot.h"
 
 #include <QPainter>
 #include <QPixmap>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TempDataDir.h"
+#include "support/TempDataDir.h"
 #include "engine/erase/FileObj.h"
 #include "engine/erase/ImmutableFlag.h"
 #include "engine/erase/RemoveFileAndFolder.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LayoutCheck.h"
+#include "support/LayoutCheck.h"
 
 #include <QApplication>
 #include <QTest>
