@@ -35,6 +35,7 @@
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
@@ -708,6 +709,33 @@ private slots:
         QCOMPARE(m_page->results()->groups(DuplicateResults::None).size(), 400u);
     }
 
+    // The search and the removal run on a worker: a timer set on the user interface
+    // thread just after each starts fires while the page still waits for its end.
+    void searchAndRemovalLeaveTheWindowFree() {
+        const QString root = m_scratch->path() + "/free";
+        for (int pair = 0; pair < 400; ++pair) {
+            const QByteArray content = contentFor(5000 + pair, 2000 + pair);
+            writeFile(QString("%1/a%2/f%3.bin").arg(root).arg(pair % 40).arg(pair), content);
+            writeFile(QString("%1/b%2/f%3.bin").arg(root).arg(pair % 40).arg(pair), content);
+        }
+        bool searching = false;
+        m_page->searchPathChosen(root);
+        QTimer::singleShot(0, m_page, [&] { searching = !m_page->bSearchFinished() && !m_page->isCanClick(); });
+        waitForSearch();
+        QVERIFY(searching);
+        QCOMPARE(m_page->results()->groups(DuplicateResults::None).size(), 400u);
+
+        bool removing = false;
+        m_page->delDuplicateItems();
+        QTimer::singleShot(0, m_page, [&] {
+            removing = m_page->progressPanel() && !m_page->successPanel() && m_page->delNodesArr().size() < 400;
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->successPanel(), kSearchTimeoutMs);
+        QVERIFY(removing);
+        QCOMPARE(m_page->delNodesArr().size(), 400);
+        QCOMPARE(m_page->outlineModel()->rowCount(), 0);
+    }
+
     // Closing the window while a worker runs stops and waits for it.
     void closingDuringWorkStopsTheWorker() {
         const QString root = m_scratch->path() + "/pairs";
@@ -756,14 +784,17 @@ private slots:
 
     void quittingDuringWorkStopsItAndCloses_data() {
         QTest::addColumn<bool>("removal");
-        QTest::newRow("search") << false;
-        QTest::newRow("removal") << true;
+        QTest::addColumn<bool>("copyPageOver");
+        QTest::newRow("search") << false << false;
+        QTest::newRow("removal") << true << false;
+        QTest::newRow("search under the drive-copy page") << false << true;
     }
 
     // "Stop and Quit" during a search or a removal stops it as its Stop button does;
     // the window closes once the page has ended the run.
     void quittingDuringWorkStopsItAndCloses() {
         QFETCH(bool, removal);
+        QFETCH(bool, copyPageOver);
         const QString root = m_scratch->path() + "/pairs";
         for (int pair = 0; pair < 400; ++pair) {
             const QByteArray content = contentFor(7000 + pair, 1500 + pair);
@@ -777,6 +808,7 @@ private slots:
         } else {
             m_page->searchPathChosen(root);
         }
+        if (copyPageOver) m_window->showDiskCopyView();  // the menu stays open to a running search
         QVERIFY(m_window->isJobRunning());
         m_window->requestQuit();
         QVERIFY(m_window->quitQuestion());

@@ -396,11 +396,6 @@ void MainWindowController::closePanels() {
         if (window != this && window->isVisible() && qobject_cast<QDialog*>(window)) window->close();
 }
 
-QWidget* MainWindowController::currentPage() const {
-    if (m_diskCopyView && m_diskCopyView->isVisible() && m_diskCopyView->y() == 0) return m_diskCopyView;
-    return m_allBaseViewArr.at(slotForTag(m_indexSelectView));
-}
-
 void MainWindowController::closeEvent(QCloseEvent* event) {
     if (!m_jobRunning || m_quitting) {
         closePanels();
@@ -431,15 +426,12 @@ void MainWindowController::askToStopJobAndQuit() {
             quitNow();
             return;
         }
+        // Every page is asked, not only the one shown: the drive-copy page may be open over
+        // the page whose job runs. A page without a job ignores the request.
         m_quitWhenJobEnds = true;
-        QWidget* page = currentPage();
-        if (page->metaObject()->indexOfMethod("stopJob()") >= 0) {
-            QMetaObject::invokeMethod(page, "stopJob");
-        } else {
-            // A page that cannot stop its job: leave now, the exit tidy-up runs as usual.
-            m_quitWhenJobEnds = false;
-            quitNow();
-        }
+        QList<QWidget*> pages = m_allBaseViewArr;
+        pages.append(m_diskCopyView);
+        for (QWidget* page : std::as_const(pages)) sendIfResponds(page, "stopJob");
     });
     m_quitQuestion = panel;
     panel->open();

@@ -29,9 +29,9 @@ class SidebarButton;
 // are only the size a page starts with.
 //
 // Quitting (red button, Ctrl+Q, the window manager's close) while the sidebar is
-// locked by a job asks first; on "Stop and Quit" the current page's `stopJob()`
-// slot (where it has one) ends the job the way its own Stop button does, and the
-// application quits once the page unlocks the sidebar.
+// locked by a job asks first; on "Stop and Quit" every page's `stopJob()` slot ends
+// the page's job the way its own Stop button does (or, for work that must not be cut
+// off, lets it end), and the application quits once the page unlocks the sidebar.
 class MainWindowController : public QWidget {
     Q_OBJECT
 public:
@@ -103,7 +103,6 @@ private:
     void quitNow();
     void closePanels();
     void updateCloseStandIn();
-    QWidget* currentPage() const;
 
     QWidget* m_sidebar;
     QWidget* m_pageArea;

@@ -317,12 +317,13 @@ void RepairDiskViewController::showFormatEndWindow() {
 }
 
 void RepairDiskViewController::stopJob() {
-    if (m_diskTool->isRunning())
+    if (m_formatRunning)
         m_selectedLabel->setText(
             QString("Formatting \"%1\"… the window closes when the format has finished.").arg(m_actionVolume.volumeName));
 }
 
 void RepairDiskViewController::lockSidebar(bool locked) {
+    m_formatRunning = locked;
     if (m_superDelegate) m_superDelegate->canChangeType(!locked);
 }
 

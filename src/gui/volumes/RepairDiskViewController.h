@@ -115,6 +115,7 @@ private:
     VolumeObj m_actionVolume;
     bool m_rescanWhenScanEnds = false;  // a scan that began before the action ended is stale
     bool m_endViewDue = false;
+    bool m_formatRunning = false;  // from the start of a format to its end view (the sidebar locked)
     EndReport m_endReport;
 
     QLabel* m_titleLabel = nullptr;
