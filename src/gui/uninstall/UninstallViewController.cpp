@@ -406,12 +406,10 @@ void UninstallViewController::collectRelatedFiles(const AMAppItemList& applicati
     for (const AMAppItemPtr& item : applications) records.append(*item);
     AMAppItemList installed;
     for (const AMAppItemPtr& item : m_inventory->allApplications()) installed.append(AMAppItemPtr::create(*item));
-    using Found = QPair<QList<AMAppItemList>, QStringList>;  // the groups and the running applications
-    auto* watcher = new QFutureWatcher<Found>(this);
-    connect(watcher, &QFutureWatcher<Found>::finished, this, [this, watcher] {
+    auto* watcher = new QFutureWatcher<QList<AMAppItemList>>(this);
+    connect(watcher, &QFutureWatcher<QList<AMAppItemList>>::finished, this, [this, watcher] {
         watcher->deleteLater();
-        const Found found = watcher->result();
-        showSelectListWindiwWith(found.first, found.second);
+        showSelectListWindiwWith(watcher->result());
     });
     m_scanningLabel->setText("Looking for related files…");
     m_scanningLabel->show();
@@ -419,13 +417,11 @@ void UninstallViewController::collectRelatedFiles(const AMAppItemList& applicati
         QList<AMAppItemList> groups;
         for (const AMAppItem& record : records)
             groups.append(RelatedAppFilesScanner::relatedFilesToApplication(record, installed));
-        const QStringList running = UninstallSession::runningApplicationsOf(groups);
-        return Found{groups, running};
+        return groups;
     }));
 }
 
-void UninstallViewController::showSelectListWindiwWith(const QList<AMAppItemList>& allRelaltedFiles,
-                                                       const QStringList& running) {
+void UninstallViewController::showSelectListWindiwWith(const QList<AMAppItemList>& allRelaltedFiles) {
     m_scanningLabel->hide();
     m_scanningLabel->setText("Scanning…");
     if (m_stopRequested) {
@@ -436,7 +432,7 @@ void UninstallViewController::showSelectListWindiwWith(const QList<AMAppItemList
     if (m_session) m_session->deleteLater();
     m_session = new UninstallSession(allRelaltedFiles, this);
     m_session->tickPreTicked();
-    m_makeSure = new MakeSureUninstallViewController(m_session, running, this);
+    m_makeSure = new MakeSureUninstallViewController(m_session, this);
     connect(m_makeSure, &MakeSureUninstallViewController::clickedDeleteBtn, this,
             &UninstallViewController::clickedDeleteBtn);
     connect(m_makeSure, &QDialog::rejected, this, [this] { setBusy(false); });
