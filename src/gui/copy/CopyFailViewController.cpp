@@ -1,23 +1,10 @@
 #include "gui/copy/CopyFailViewController.h"
 
 #include "engine/platform/NativePath.h"
-#include "gui/copy/CopyIssueList.h"
-#include "gui/widgets/FileUrls.h"
-#include "gui/widgets/ImageSetButton.h"
-#include "gui/widgets/PanelContent.h"
 #include "gui/widgets/SizeText.h"
-
-#include <QDesktopServices>
-#include <QKeyEvent>
-#include <QLabel>
-#include <QVBoxLayout>
 
 namespace velmora {
 namespace {
-
-constexpr int kWidth = 520;
-constexpr int kHeight = 250;
-constexpr int kHeightWithDetails = 460;
 
 QString counted(qsizetype count, const char* one, const char* many) {
     return QString("%1 %2").arg(count).arg(count == 1 ? one : many);
@@ -49,45 +36,10 @@ QString messageOf(const CopyResult& result) {
 }  // namespace
 
 CopyFailViewController::CopyFailViewController(const CopyResult& result, const QString& stopText, QWidget* parent)
-    : MAAttachedWindow(parent, {kWidth, kHeight}),
-      m_okButton(ImageSetButton::primary("OK", this)),
-      m_openFolderButton(ImageSetButton::secondary("Open Folder", this)) {
-    setAttribute(Qt::WA_DeleteOnClose);
-    QVBoxLayout* layout = PanelContent::addMessage(this, "ic_fail", titleOf(result, stopText), messageOf(result));
-    PanelContent::messageLabel(this)->setTextFormat(Qt::PlainText);
-    QList<QPushButton*> buttons{m_openFolderButton, m_okButton};
-    if (!result.failures.isEmpty() || !result.mismatches.isEmpty() || !result.notes.isEmpty()) {
-        m_details = new CopyIssueList(result, this);
-        m_details->hide();
-        layout->addWidget(m_details, 1);
-        m_detailsButton = ImageSetButton::secondary("Show details", this);
-        buttons.prepend(m_detailsButton);
-        connect(m_detailsButton, &QPushButton::clicked, this, [this] {
-            const bool show = m_details->isHidden();
-            m_details->setVisible(show);
-            m_detailsButton->setText(show ? "Hide details" : "Show details");
-            setFixedSize(kWidth, show ? kHeightWithDetails : kHeight);
-            centreOnParent();
-        });
-    }
-    for (QPushButton* button : buttons) button->setAutoDefault(false);
-    setCancelButton(m_okButton);
-    PanelContent::addButtons(layout, buttons);
-    const QString folder = result.destinationFolder;
-    m_openFolderButton->setEnabled(!folder.isEmpty());
-    connect(m_openFolderButton, &QPushButton::clicked, this, [folder] { QDesktopServices::openUrl(fileUrl(folder)); });
-    connect(m_okButton, &QPushButton::clicked, this, &QDialog::accept);
-}
-
-QString CopyFailViewController::titleText() const { return findChild<QLabel*>("panelTitle")->text(); }
-QString CopyFailViewController::messageText() const { return PanelContent::messageLabel(this)->text(); }
-
-void CopyFailViewController::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape) {
-        accept();
-        return;
-    }
-    MAAttachedWindow::keyPressEvent(event);
-}
+    : CopyEndViewController(result,
+                            {"ic_fail", titleOf(result, stopText), messageOf(result),
+                             !result.failures.isEmpty() || !result.mismatches.isEmpty() || !result.notes.isEmpty(),
+                             {520, 250}, 460},
+                            parent) {}
 
 }  // namespace velmora
