@@ -14,9 +14,11 @@ ImageSetButton::ImageSetButton(const QString& text, const QString& baseName, int
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::TabFocus);  // the ring then shows for keyboard use only
     setMinimumSize(104, 32);
+    // The style's own focus rectangle would fall inside the image's borders: the ring drawn
+    // in paintEvent shows the focus instead.
     setStyleSheet(QString(R"(
         QPushButton { border-image: url(%1) 15 15 15 15 stretch; border-width: 15px; padding: -15px 0px;
-                      color: white; }
+                      color: white; outline: none; }
         QPushButton:hover { border-image: url(%2) 15 15 15 15 stretch; }
         QPushButton:pressed { border-image: url(%3) 15 15 15 15 stretch; }
         QPushButton:disabled { border-image: url(%4) 15 15 15 15 stretch; color: rgba(255,255,255,90); }
