@@ -32,12 +32,7 @@ CopyProgreViewController::CopyProgreViewController(const QString& copyFolder, QW
     layout->addWidget(into);
     layout->addSpacing(6);
 
-    m_bar->setRange(0, 100);
-    m_bar->setTextVisible(false);
-    m_bar->setFixedHeight(8);
-    m_bar->setStyleSheet(QString("QProgressBar { background: rgba(255,255,255,30); border: none; border-radius: 4px; }"
-                                 "QProgressBar::chunk { background: %1; border-radius: 4px; }")
-                             .arg(Style::rgba(Style::kAccent)));
+    Style::styleProgressBar(*m_bar, 100);
     layout->addWidget(m_bar);
     m_pathLabel->setTextFormat(Qt::PlainText);
     m_pathLabel->setMinimumWidth(0);

@@ -50,12 +50,8 @@ SelectCopyFilesViewController::SelectCopyFilesViewController(Controller& control
 
     auto* progressRow = new QHBoxLayout;
     progressRow->addWidget(m_progressLabel);
-    m_progressBar->setRange(0, 100);
-    m_progressBar->setTextVisible(false);
-    m_progressBar->setFixedSize(200, 6);
-    m_progressBar->setStyleSheet(QString("QProgressBar { background: rgba(255,255,255,30); border: none; border-radius: 3px; }"
-                                         "QProgressBar::chunk { background: %1; border-radius: 3px; }")
-                                     .arg(Style::rgba(Style::kAccent)));
+    Style::styleProgressBar(*m_progressBar, 100, 6);
+    m_progressBar->setFixedWidth(200);
     progressRow->addStretch(1);
     progressRow->addWidget(m_progressBar);
     layout->addLayout(progressRow);

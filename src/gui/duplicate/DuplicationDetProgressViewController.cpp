@@ -31,12 +31,7 @@ DuplicationDetProgressViewController::DuplicationDetProgressViewController(QWidg
     layout->addWidget(Style::label("The selected copies are deleted permanently.", 12, true));
     layout->addSpacing(8);
 
-    m_bar->setRange(0, 100);
-    m_bar->setTextVisible(false);
-    m_bar->setFixedHeight(8);
-    m_bar->setStyleSheet(QString("QProgressBar { background: rgba(255,255,255,30); border: none; border-radius: 4px; }"
-                                 "QProgressBar::chunk { background: %1; border-radius: 4px; }")
-                             .arg(Style::rgba(Style::kAccent)));
+    Style::styleProgressBar(*m_bar, 100);
     layout->addWidget(m_bar);
     m_pathLabel->setObjectName("pathLabel");
     layout->addWidget(m_pathLabel);

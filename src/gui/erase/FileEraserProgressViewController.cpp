@@ -39,12 +39,7 @@ FileEraserProgressViewController::FileEraserProgressViewController(const QString
     layout->addWidget(m_typeLabel);
     layout->addSpacing(8);
 
-    m_bar->setRange(0, 100 * kBarScale);
-    m_bar->setTextVisible(false);
-    m_bar->setFixedHeight(8);
-    m_bar->setStyleSheet(QString("QProgressBar { background: rgba(255,255,255,30); border: none; border-radius: 4px; }"
-                                 "QProgressBar::chunk { background: %1; border-radius: 4px; }")
-                             .arg(Style::rgba(Style::kAccent)));
+    Style::styleProgressBar(*m_bar, 100 * kBarScale);
     layout->addWidget(m_bar);
     layout->addSpacing(4);
     m_roundLabel->setObjectName("roundLabel");

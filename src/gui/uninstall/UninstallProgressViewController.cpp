@@ -34,12 +34,7 @@ QWidget* UninstallProgressViewController::createProgressView() {
     layout->addWidget(Style::label("Removing the applications and their files.", 12, true));
     layout->addSpacing(10);
     m_bar = new QProgressBar(view);
-    m_bar->setRange(0, 100);
-    m_bar->setTextVisible(false);
-    m_bar->setFixedHeight(8);
-    m_bar->setStyleSheet(QString("QProgressBar { background: rgba(255,255,255,30); border: none; border-radius: 4px; }"
-                                 "QProgressBar::chunk { background: %1; border-radius: 4px; }")
-                             .arg(Style::rgba(Style::kAccent)));
+    Style::styleProgressBar(*m_bar, 100);
     layout->addWidget(m_bar);
     m_pathLabel = Style::label(QString(), 11, true);
     m_pathLabel->setObjectName("pathLabel");

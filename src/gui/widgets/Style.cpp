@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPalette>
+#include <QProgressBar>
 
 namespace velmora::Style {
 namespace {
@@ -74,6 +75,16 @@ QLabel* label(const QString& text, int pointSize, bool secondary, bool bold) {
     result->setFont(bold ? boldFont(pointSize) : regularFont(pointSize));
     result->setStyleSheet(QString("color: %1; background: transparent;").arg(rgba(secondary ? kSecondaryText : kText)));
     return result;
+}
+
+void styleProgressBar(QProgressBar& bar, int maximum, int height) {
+    bar.setRange(0, maximum);
+    bar.setTextVisible(false);
+    bar.setFixedHeight(height);
+    bar.setStyleSheet(QString("QProgressBar { background: rgba(255,255,255,30); border: none; border-radius: %1px; }"
+                              "QProgressBar::chunk { background: %2; border-radius: %1px; }")
+                          .arg(height / 2)
+                          .arg(rgba(kAccent)));
 }
 
 }  // namespace velmora::Style

@@ -7,6 +7,7 @@
 class QApplication;
 class QLabel;
 class QPainter;
+class QProgressBar;
 class QRectF;
 
 namespace velmora {
@@ -32,6 +33,8 @@ QFont lightFont(int pointSize);
 QFont boldFont(int pointSize);
 // A label in the style: white, or half-transparent white for secondary text.
 QLabel* label(const QString& text, int pointSize, bool secondary = false, bool bold = false);
+// The thin accent bar of the progress views: no text, from 0 to maximum, rounded ends.
+void styleProgressBar(QProgressBar& bar, int maximum, int height = 8);
 // The ring a control draws around itself while it has the keyboard focus.
 void drawFocusRing(QPainter& painter, const QRectF& area, qreal radius);
 
