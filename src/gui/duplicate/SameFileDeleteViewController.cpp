@@ -682,7 +682,9 @@ void SameFileDeleteViewController::showFailView(const QString& title, const QStr
 // Whether the keyboard focus is on this page: a view that replaces the one with the focus
 // then hands it on to its own first control, so that Tab and Space go on where they were.
 bool SameFileDeleteViewController::hasFocusInside() const {
-    const QWidget* focus = QApplication::focusWidget();
+    // The window's focus widget, not the application's: while the folder panel is still
+    // active the application's focus is in it, and the window gets back the one it had.
+    const QWidget* focus = window()->focusWidget();
     return focus && isAncestorOf(focus);
 }
 
