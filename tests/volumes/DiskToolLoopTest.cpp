@@ -19,24 +19,6 @@ protected:
         if (const std::string why = loopDevicesUnavailable(); !why.empty()) GTEST_SKIP() << "SKIPPED: " << why;
     }
 
-    // velmora-cli in the folder, its standard output and error in *output.
-    static int cli(const QStringList& arguments, QByteArray* output, const QString& folder = {}) {
-        QProcess process;
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.setWorkingDirectory(folder.isEmpty() ? QDir::tempPath() : folder);
-        process.setStandardInputFile(QProcess::nullDevice());
-        process.start(binDir() + "/velmora-cli", arguments);
-        if (!process.waitForFinished(300000)) return -1;
-        *output = process.readAll();
-        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    }
-
-    static QString blkid(const LoopVolume& volume, const char* tag) {
-        QByteArray value;
-        run("blkid", {"-p", "-o", "value", "-s", tag, QString::fromStdString(volume.node())}, &value);
-        return QString::fromUtf8(value).trimmed();
-    }
-
     static QStringList mountPoints(const LoopVolume& volume) {
         QStringList points;
         for (const std::string& point : mountPointsOf(volume.node())) points.append(QString::fromStdString(point));
@@ -62,26 +44,26 @@ TEST_F(DiskToolLoopTest, FormatsThroughFat32AndExfatBackToExt4) {
     QByteArray output;
 
     ASSERT_EQ(cli({"format", "--yes", first, "fat32", "backup disk 2024"}, &output), 0) << output.toStdString();
-    EXPECT_EQ(blkid(volume, "TYPE"), "vfat");
-    EXPECT_EQ(blkid(volume, "LABEL"), "BACKUP DISK");
+    EXPECT_EQ(blkidValue(volume.node(), "TYPE"), "vfat");
+    EXPECT_EQ(blkidValue(volume.node(), "LABEL"), "BACKUP DISK");
     EXPECT_EQ(mountPoints(volume), QStringList{folder + "/BACKUP DISK"});
 
     ASSERT_EQ(cli({"format", "--yes", "--json", folder + "/BACKUP DISK", "ExFAT", ""}, &output), 0) << output.toStdString();
     const QJsonObject result = QJsonDocument::fromJson(output).object();
     EXPECT_TRUE(result.value("succeeded").toBool()) << output.toStdString();
     EXPECT_EQ(result.value("name").toString(), "NEW");
-    EXPECT_EQ(blkid(volume, "TYPE"), "exfat");
-    EXPECT_EQ(blkid(volume, "LABEL"), "NEW");
+    EXPECT_EQ(blkidValue(volume.node(), "TYPE"), "exfat");
+    EXPECT_EQ(blkidValue(volume.node(), "LABEL"), "NEW");
 
     ASSERT_EQ(cli({"format", "--yes", QString::fromStdString(volume.node()), "EXT4", "Archive"}, &output), 0)
         << output.toStdString();
-    EXPECT_EQ(blkid(volume, "TYPE"), "ext4");
-    EXPECT_EQ(blkid(volume, "LABEL"), "Archive");
+    EXPECT_EQ(blkidValue(volume.node(), "TYPE"), "ext4");
+    EXPECT_EQ(blkidValue(volume.node(), "LABEL"), "Archive");
     EXPECT_EQ(mountPoints(volume), QStringList{folder + "/Archive"});
 
     // Without --yes and with no one to answer, nothing happens.
     EXPECT_EQ(cli({"format", folder + "/Archive", "fat32"}, &output), 1);
-    EXPECT_EQ(blkid(volume, "TYPE"), "ext4");
+    EXPECT_EQ(blkidValue(volume.node(), "TYPE"), "ext4");
     EXPECT_EQ(cli({"format", "--yes", folder + "/Archive", "ntfs"}, &output), 2);
     EXPECT_EQ(cli({"format", "--yes", folder + "/Archive"}, &output), 2);
 }
@@ -113,11 +95,11 @@ TEST_F(DiskToolLoopTest, RenamesKeepShellCharactersAsTextAndRefuseWhatTheFileSys
         if (!test.refusedName.isEmpty()) {
             EXPECT_EQ(cli({"rename", device, test.refusedName}, &output), 1) << output.toStdString();
             EXPECT_TRUE(output.contains("could not be renamed")) << output.toStdString();
-            EXPECT_EQ(blkid(volume, "LABEL"), oldLabel);
+            EXPECT_EQ(blkidValue(volume.node(), "LABEL"), oldLabel);
         }
         QTemporaryDir folder;
         ASSERT_EQ(cli({"rename", point, test.name}, &output, folder.path()), 0) << output.toStdString();
-        EXPECT_EQ(blkid(volume, "LABEL"), test.label);
+        EXPECT_EQ(blkidValue(volume.node(), "LABEL"), test.label);
         EXPECT_EQ(mountPoints(volume), QStringList{QString::fromStdString(volume.folder()) + "/" + test.label});
         EXPECT_FALSE(QFileInfo::exists(folder.filePath("pwn")));
     }
@@ -142,8 +124,8 @@ TEST_F(DiskToolLoopTest, BusyAndStartupVolumesAreRefusedAndAFreeOneIsEjected) {
         EXPECT_TRUE(output.contains(holder)) << output.toStdString();
         EXPECT_EQ(cli({"eject", point}, &output), 1);
         EXPECT_TRUE(output.contains(holder)) << output.toStdString();
-        EXPECT_EQ(blkid(volume, "LABEL"), label);
-        EXPECT_EQ(blkid(volume, "TYPE"), "ext4");
+        EXPECT_EQ(blkidValue(volume.node(), "LABEL"), label);
+        EXPECT_EQ(blkidValue(volume.node(), "TYPE"), "ext4");
         EXPECT_EQ(mountPoints(volume), QStringList{point});
     }
     ASSERT_EQ(cli({"eject", point}, &output), 0) << output.toStdString();

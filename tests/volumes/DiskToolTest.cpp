@@ -88,18 +88,8 @@ TEST(FormatChoicesTest, LinuxOffersExt4AndHfsPlusOnlyWhereItCanBeMade) {
                          : QStringList({"0 ExFAT", "1 MS-DOS FAT32", "3 ext4"}));
 }
 
-class DiskToolFakeTest : public ::testing::Test {
+class DiskToolFakeTest : public FakeDiskUtilTestBase {
 protected:
-    void SetUp() override {
-        ensureApplication();
-        ASSERT_TRUE(QFileInfo(fixture("diskutil")).isExecutable()) << "VELMORA_SOURCE_DIR must point at the sources";
-    }
-
-    QStringList loggedCommands() const {
-        QFile log(m_root.filePath("diskutil.log"));
-        if (!log.open(QIODevice::ReadOnly)) return {};
-        return QString::fromUtf8(log.readAll()).split('\n', Qt::SkipEmptyParts);
-    }
 
     // The disk tool's record of a fixture volume, with its folder under the volumes root.
     VolumeObj volumeFor(const QString& bsdName, const QString& folder) {
@@ -131,13 +121,6 @@ protected:
         if (!result.ended) loop.exec();
         return result;
     }
-
-    TempDataDir m_data;
-    QTemporaryDir m_root;
-    ScopedEnv m_layout{"VELMORA_LAYOUT", "macos"};
-    ScopedEnv m_volumes{"VELMORA_VOLUMES_ROOT", m_root.path() + "/Volumes"};
-    ScopedEnv m_diskutil{"VELMORA_DISKUTIL", fixture("diskutil")};
-    ScopedEnv m_log{"FAKE_DISKUTIL_LOG", m_root.filePath("diskutil.log")};
 };
 
 // The three cases: NTFS is erased as FAT32 named NEW and APFS reformatted in place,

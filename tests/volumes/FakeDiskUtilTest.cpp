@@ -20,18 +20,11 @@
 namespace velmora::test {
 namespace {
 
-class FakeDiskUtilTest : public ::testing::Test {
+class FakeDiskUtilTest : public FakeDiskUtilTestBase {
 protected:
     void SetUp() override {
-        ensureApplication();
-        ASSERT_TRUE(QFileInfo(fixture("diskutil")).isExecutable()) << "VELMORA_SOURCE_DIR must point at the sources";
+        FakeDiskUtilTestBase::SetUp();
         EraserLevel::store(1);
-    }
-
-    QStringList loggedCommands() const {
-        QFile log(m_root.filePath("diskutil.log"));
-        if (!log.open(QIODevice::ReadOnly)) return {};
-        return QString::fromUtf8(log.readAll()).split('\n', Qt::SkipEmptyParts);
     }
 
     // Mounts a small ext4 file system at FOLDER/NAME, where FOLDER becomes the
@@ -53,12 +46,6 @@ protected:
         return list.value(0);
     }
 
-    TempDataDir m_data;
-    QTemporaryDir m_root;
-    ScopedEnv m_layout{"VELMORA_LAYOUT", "macos"};
-    ScopedEnv m_volumes{"VELMORA_VOLUMES_ROOT", m_root.path() + "/Volumes"};
-    ScopedEnv m_diskutil{"VELMORA_DISKUTIL", fixture("diskutil")};
-    ScopedEnv m_log{"FAKE_DISKUTIL_LOG", m_root.filePath("diskutil.log")};
     std::unique_ptr<LoopVolume> m_boundedVolume;
     std::optional<ScopedEnv> m_boundedRoot;
 };
@@ -129,10 +116,7 @@ TEST_F(FakeDiskUtilTest, NamesWithShellCharactersReachTheDiskUtilAsOneArgument) 
 // owner-only file: a link planted under its name is removed, never written through.
 TEST_F(FakeDiskUtilTest, RunnersReportTheExitStatusAndNeverWriteThroughALink) {
     const QString victim = m_root.filePath("victim.txt");
-    QFile file(victim);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("keep");
-    file.close();
+    writeFile(victim, "keep");
     const QString outputPath = StandardPaths::tempDir() + "/SteadyWiperTemp.plist";
     QFile::remove(outputPath);
     ASSERT_TRUE(QFile::link(victim, outputPath));
@@ -143,11 +127,8 @@ TEST_F(FakeDiskUtilTest, RunnersReportTheExitStatusAndNeverWriteThroughALink) {
     EXPECT_FALSE(QFileInfo(outputPath).isSymLink());
     EXPECT_EQ(QFileInfo(outputPath).permissions() & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther),
               QFile::Permissions());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), "keep");
-    QFile output(outputPath);
-    ASSERT_TRUE(output.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(output.readAll().contains("<string>STICK</string>"));
+    EXPECT_EQ(readAll(victim), "keep");
+    EXPECT_TRUE(readAll(outputPath).contains("<string>STICK</string>"));
 
     const CommandResult refused = execCommand({fixture("diskutil"), {"info", "-plist", "disk9s9"}});
     EXPECT_TRUE(refused.started);
@@ -163,10 +144,7 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseReformatsRemovesLeftoversAndFills) {
     if (const std::string problem = mountBoundedVolume("STICK"); !problem.empty()) GTEST_SKIP() << "SKIPPED: " << problem;
     const QString stick = StandardPaths::volumesRoot() + "/STICK";
     ASSERT_TRUE(QDir().mkpath(stick + "/.fseventsd"));
-    QFile leftover(stick + "/.fseventsd/0000000000a1b2c3");
-    ASSERT_TRUE(leftover.open(QIODevice::WriteOnly));
-    leftover.write("journal");
-    leftover.close();
+    writeFile(stick + "/.fseventsd/0000000000a1b2c3", "journal");
 
     FreeSpaceWipe wipe;
     wipe.selectEraserType = 2;
@@ -189,7 +167,7 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseReformatsRemovesLeftoversAndFills) {
     ASSERT_EQ(::stat(QFile::encodeName(stick).constData(), &folder), 0);
     EXPECT_EQ(wipe.selectVolumeObj.deviceNumber, quint64(folder.st_dev));
     EXPECT_EQ(run.progressTexts.last(), "Erased 100% in 1 of 1 pass");
-    EXPECT_EQ(QDir(stick).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
+    EXPECT_EQ(entriesOf(stick), QStringList());
     EXPECT_EQ(wipe.wipeScanPathStr(), stick + "/.Velmora");
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:STICK|Erased"});
     EXPECT_FALSE(wipe.isBegin());
@@ -221,10 +199,7 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseOfNtfsErasesAsFat32NamedNew) {
 TEST_F(FakeDiskUtilTest, WholeDriveEraseFailsBeforeTouchingAnyFileWhenTheReformatFails) {
     const QString stick = m_root.path() + "/Volumes/STICK";
     ASSERT_TRUE(QDir().mkpath(stick));
-    QFile kept(stick + "/kept.txt");
-    ASSERT_TRUE(kept.open(QIODevice::WriteOnly));
-    kept.write("still here");
-    kept.close();
+    writeFile(stick + "/kept.txt", "still here");
     ScopedEnv failing("FAKE_DISKUTIL_ERASE_EXIT", "1");
 
     FreeSpaceWipe wipe;
@@ -240,7 +215,7 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseFailsBeforeTouchingAnyFileWhenTheReforma
     EXPECT_TRUE(run.endText.contains("resource busy")) << run.endText.toStdString();
     EXPECT_EQ(loggedCommands(), QStringList({"[info][-plist][disk2s1]", "[info][-plist][/dev/disk2s1]", "[reformat][/dev/disk2s1]"}));
     EXPECT_TRUE(run.progressTexts.isEmpty());
-    EXPECT_EQ(QDir(stick).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList{"kept.txt"});
+    EXPECT_EQ(entriesOf(stick), QStringList{"kept.txt"});
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:STICK|Failed"});
     EXPECT_FALSE(wipe.isBegin());
 }

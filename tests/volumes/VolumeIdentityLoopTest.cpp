@@ -6,7 +6,6 @@
 #include "support/LoopVolume.h"
 #include "engine/erase/EraserLevel.h"
 
-#include <QProcessEnvironment>
 
 namespace velmora::test {
 namespace {
@@ -30,25 +29,6 @@ protected:
         return volume;
     }
 
-    // Runs velmora-cli in the folder given, with extra environment; its exit code.
-    static int cli(const QStringList& arguments, QByteArray* output, const QString& workingFolder,
-                   const QProcessEnvironment& extra = {}) {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(extra);
-        process.setProcessEnvironment(environment);
-        process.setWorkingDirectory(workingFolder);
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(binDir() + "/velmora-cli", arguments);
-        if (!process.waitForFinished(300000)) {
-            process.kill();
-            process.waitForFinished();
-            return -1;
-        }
-        *output = process.readAll();
-        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    }
-
     // A disk utility standing in for velmora-diskutil: "reformat" runs BODY (with
     // $2 the device), everything else goes to the real tool.
     QString standInDiskUtil(const QByteArray& reformatBody) {
@@ -60,23 +40,6 @@ protected:
         script.close();
         script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return path;
-    }
-
-    static void writeFile(const QString& path, const QByteArray& contents) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-        file.write(contents);
-        file.close();
-        ::sync();
-    }
-
-    static QByteArray readFile(const QString& path) {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-    }
-
-    static QStringList entries(const QString& folder) {
-        return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     }
 
     TempDataDir m_data;
@@ -96,12 +59,12 @@ TEST_F(VolumeIdentityLoopTest, EraseDriveErasesOnlyTheChosenOfTwoVolumesWithTheS
     // The label names two volumes: it is refused as an operand.
     EXPECT_EQ(cli({"erase-drive", "--yes", label}, &output, m_folder.path()), 2) << output.toStdString();
     EXPECT_TRUE(output.contains("2 volumes are named")) << output.toStdString();
-    EXPECT_EQ(readFile(chosenMount + "/chosen.txt"), "erase me");
+    EXPECT_EQ(readAll(chosenMount + "/chosen.txt"), "erase me");
 
     ASSERT_EQ(cli({"erase-drive", "--yes", chosenMount}, &output, m_folder.path()), 0) << output.toStdString();
-    EXPECT_EQ(entries(chosenMount), QStringList());
-    EXPECT_EQ(entries(otherMount), QStringList({"lost+found", "other.txt"}));
-    EXPECT_EQ(readFile(otherMount + "/other.txt"), "keep me");
+    EXPECT_EQ(entriesOf(chosenMount), QStringList());
+    EXPECT_EQ(entriesOf(otherMount), QStringList({"lost+found", "other.txt"}));
+    EXPECT_EQ(readAll(otherMount + "/other.txt"), "keep me");
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:" + label + "|Erased"});
 }
 
@@ -121,12 +84,10 @@ TEST_F(VolumeIdentityLoopTest, LabelsWithShellSyntaxAreWipedAndReformattedAndNev
 
         QByteArray output;
         EXPECT_EQ(cli({"wipe-free", "--yes", mountPoint}, &output, m_folder.path()), 0) << output.toStdString();
-        EXPECT_EQ(readFile(mountPoint + "/file.txt"), "data");
+        EXPECT_EQ(readAll(mountPoint + "/file.txt"), "data");
         EXPECT_EQ(cli({"erase-drive", "--yes", mountPoint}, &output, m_folder.path()), 0) << output.toStdString();
-        EXPECT_EQ(entries(mountPoint), QStringList());
-        QByteArray blkid;
-        run("blkid", {"-p", "-s", "LABEL", "-o", "value", QString::fromStdString(volume->node())}, &blkid);
-        EXPECT_EQ(QString::fromUtf8(blkid).trimmed(), label);
+        EXPECT_EQ(entriesOf(mountPoint), QStringList());
+        EXPECT_EQ(blkidValue(volume->node(), "LABEL"), label);
         EXPECT_TRUE(volumeHistoryItems().contains("Erase Hard Drive:" + label + "|Erased"));
         EXPECT_TRUE(volumeHistoryItems().contains("Erase Free Space:" + label + "|Erased"));
     }
@@ -152,8 +113,8 @@ TEST_F(VolumeIdentityLoopTest, FailingReformatFailsTheJobAndTouchesNoFile) {
     EXPECT_TRUE(output.contains("Failed  Erase Hard Drive:" + label.toUtf8())) << output.toStdString();
     EXPECT_TRUE(output.contains("could not be reformatted")) << output.toStdString();
     EXPECT_TRUE(output.contains("target is busy")) << output.toStdString();
-    EXPECT_EQ(readFile(mountPoint + "/kept.txt"), "still here");
-    EXPECT_EQ(entries(mountPoint), QStringList({"kept.txt", "lost+found"}));
+    EXPECT_EQ(readAll(mountPoint + "/kept.txt"), "still here");
+    EXPECT_EQ(entriesOf(mountPoint), QStringList({"kept.txt", "lost+found"}));
     EXPECT_EQ(volumeHistoryItems(), QStringList{"Erase Hard Drive:" + label + "|Failed"});
 }
 
@@ -205,7 +166,7 @@ TEST_P(StageTwoTest, ErasesWhatTheReformatLeaves) {
     EXPECT_FALSE(output.contains("could not be overwritten")) << output.toStdString();
     const std::vector<std::string> mounts = volume->mountPoints();
     ASSERT_EQ(mounts.size(), 1u);
-    EXPECT_EQ(entries(QString::fromStdString(mounts.front())), QStringList());
+    EXPECT_EQ(entriesOf(QString::fromStdString(mounts.front())), QStringList());
     ASSERT_TRUE(volume->unmountAll());
     EXPECT_EQ(volume->countInImage(marker.toStdString()), 0);
 }
