@@ -1,6 +1,7 @@
 // rename, reformat, eraseVolume and eject on loop volumes, checked with blkid and mountinfo.
 #include "diskutil/DiskUtilTestSupport.h"
 #include "support/LoopVolume.h"
+#include "support/TestFiles.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -14,15 +15,6 @@ namespace fs = std::filesystem;
 
 namespace velmora::test {
 namespace {
-
-void writeFile(const std::string& path, const std::string& text) {
-    std::ofstream(path) << text;
-}
-
-std::string readFile(const std::string& path) {
-    std::ifstream file(path);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
 
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;

@@ -4,6 +4,7 @@
 #include "support/LoopVolume.h"
 
 #include <cstdlib>
+#include <gtest/gtest.h>
 
 namespace velmora::test {
 
@@ -68,6 +69,21 @@ std::vector<std::string> stringsOf(plist_t array) {
     if (!array || plist_get_node_type(array) != PLIST_ARRAY) return strings;
     for (uint32_t i = 0; i < plist_array_get_size(array); ++i) strings.push_back(stringOf(plist_array_get_item(array, i)));
     return strings;
+}
+
+std::string errorMessageOf(const CommandResult& result) {
+    EXPECT_NE(result.exitCode, 0);
+    const size_t start = result.out.find("<?xml");
+    if (start == std::string::npos) {
+        ADD_FAILURE() << "no error dictionary in: " << result.out;
+        return {};
+    }
+    const Dictionary error(result.out.substr(start));
+    EXPECT_TRUE(error.boolean("Error")) << result.out;
+    EXPECT_EQ(error.integer("ExitCode"), static_cast<uint64_t>(result.exitCode));
+    const std::string message = error.string("ErrorMessage");
+    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+    return message;
 }
 
 std::string blkidValue(const std::string& node, const std::string& tag) {

@@ -41,6 +41,10 @@ private:
 std::string stringOf(plist_t node);
 std::vector<std::string> stringsOf(plist_t array);
 
+// The message of the error dictionary a failed command prints (after any progress lines),
+// checked to come with a non-zero exit that the dictionary repeats and on standard error.
+std::string errorMessageOf(const CommandResult& result);
+
 // What blkid reads from the device itself: TYPE, LABEL, UUID, VERSION.
 std::string blkidValue(const std::string& node, const std::string& tag);
 

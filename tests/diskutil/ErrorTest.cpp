@@ -12,17 +12,9 @@
 namespace velmora::test {
 namespace {
 
-// The error dictionary follows any progress lines the command printed before failing.
 void expectErrorDictionary(const CommandResult& result, const std::string& messagePart) {
-    EXPECT_NE(result.exitCode, 0);
-    const size_t start = result.out.find("<?xml");
-    ASSERT_NE(start, std::string::npos) << result.out;
-    const Dictionary error(result.out.substr(start));
-    ASSERT_TRUE(error.valid()) << result.out;
-    EXPECT_TRUE(error.boolean("Error"));
-    EXPECT_NE(error.string("ErrorMessage").find(messagePart), std::string::npos) << error.string("ErrorMessage");
-    EXPECT_EQ(error.integer("ExitCode"), static_cast<uint64_t>(result.exitCode));
-    EXPECT_NE(result.err.find(error.string("ErrorMessage")), std::string::npos) << result.err;
+    const std::string message = errorMessageOf(result);
+    EXPECT_NE(message.find(messagePart), std::string::npos) << message;
 }
 
 TEST(DiskUtilErrors, BadCommandLinesAndUnknownTargets) {

@@ -36,17 +36,6 @@ std::optional<BlockDevice> blockDeviceNumbered(const std::string& majorMinor) {
     return diskutil::readBlockDevice(link.filename().string());
 }
 
-// The error dictionary's message, checked to be a refusal with a non-zero exit.
-std::string refusal(const CommandResult& result) {
-    EXPECT_NE(result.exitCode, 0);
-    const size_t start = result.out.find("<?xml");
-    if (start == std::string::npos) return "(no error dictionary) " + result.out;
-    const Dictionary error(result.out.substr(start));
-    EXPECT_TRUE(error.boolean("Error"));
-    EXPECT_EQ(error.integer("ExitCode"), static_cast<uint64_t>(result.exitCode));
-    return error.string("ErrorMessage");
-}
-
 // Every changing command on the device is refused with the reason, before it acts.
 void expectEveryChangeRefused(const std::string& node, const std::string& reasonPart) {
     const std::vector<std::vector<std::string>> commands = {
@@ -55,7 +44,7 @@ void expectEveryChangeRefused(const std::string& node, const std::string& reason
     };
     for (const std::vector<std::string>& command : commands) {
         SCOPED_TRACE(command.front());
-        const std::string message = refusal(runDiskUtil(command));
+        const std::string message = errorMessageOf(runDiskUtil(command));
         EXPECT_NE(message.find("Refusing to change " + node), std::string::npos) << message;
         EXPECT_NE(message.find(reasonPart), std::string::npos) << message;
     }
