@@ -74,15 +74,6 @@ inline struct stat lstatOf(const std::string& path) {
     return status;
 }
 
-inline ProcessResult runCli(const std::vector<std::string>& arguments, const std::vector<std::string>& wrapper = {}) {
-    std::vector<std::string> command = wrapper;
-    command.push_back(qEnvironmentVariable("VELMORA_BIN_DIR").toStdString() + "/velmora-cli");
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    ProcessOptions options;
-    options.timeoutSeconds = 300;
-    return runProcess(command, options);
-}
-
 // The one entry of a folder whose name starts with the prefix ("VLclone("), empty if none or several.
 inline std::string onlyEntryStartingWith(const std::string& folder, const std::string& prefix) {
     std::vector<std::string> found;

@@ -101,9 +101,7 @@ TEST_F(EraseCommandTest, HardLinkedFileIsFailedWithTheReasonAndExitsOne) {
 
 // velmora-cli with arguments given as bytes, as a shell passes them.
 CliRun runCliWithBytes(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{(binDir() + "/velmora-cli").toStdString()};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    const ProcessResult run = runProcess(command);
+    const ProcessResult run = velmora::test::runCli(arguments, {});
     return {run.status, QString::fromStdString(run.out), QString::fromStdString(run.err)};
 }
 

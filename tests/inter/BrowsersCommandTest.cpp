@@ -5,7 +5,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -16,13 +15,10 @@ using namespace velmora::test;
 
 namespace {
 
-// As root, `withoutOverride` runs it without the capabilities that let root read any folder.
-ProcessResult runCli(const std::vector<std::string>& arguments, bool withoutOverride = false) {
-    std::vector<std::string> argv;
-    if (withoutOverride && ::geteuid() == 0) argv = {"/usr/bin/setpriv", "--bounding-set=-dac_override,-dac_read_search"};
-    argv.push_back(std::string(std::getenv("VELMORA_BIN_DIR")) + "/velmora-cli");
-    argv.insert(argv.end(), arguments.begin(), arguments.end());
-    return runProcess(argv);
+// As root, velmora-cli runs under this without the capabilities that let root read any folder.
+std::vector<std::string> withoutOverride() {
+    if (::geteuid() != 0) return {};
+    return {"/usr/bin/setpriv", "--bounding-set=-dac_override,-dac_read_search"};
 }
 
 QJsonObject named(const QJsonArray& list, const QString& name) {
@@ -121,9 +117,9 @@ TEST(BrowsersCommand, UnreadableProfileFolderIsNamed) {
     BrowserHome fake;
     const std::string folder = fake.home / ".config/google-chrome";
     ::chmod(folder.c_str(), 0);
-    const ProcessResult result = runCli({"browsers"}, true);
+    const ProcessResult result = runCli({"browsers"}, {}, withoutOverride());
     ::chmod(folder.c_str(), 0755);
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.err.find("cannot read " + folder + ": Permission denied"), std::string::npos) << result.err;
-    EXPECT_EQ(runCli({"browsers"}, true).err.find("cannot read"), std::string::npos);
+    EXPECT_EQ(runCli({"browsers"}, {}, withoutOverride()).err.find("cannot read"), std::string::npos);
 }

@@ -135,12 +135,33 @@ pid_t spawnQuietly(const std::vector<std::string>& argv)
     return pid;
 }
 
-ProcessResult runSrm(const std::vector<std::string>& arguments, const ProcessOptions& options)
+static std::string buildProgram(const char* name)
 {
     const char* binDir = std::getenv("VELMORA_BIN_DIR");
     if (!binDir)
         throw std::runtime_error("VELMORA_BIN_DIR is not set; run the test through ctest");
-    std::vector<std::string> argv{std::string(binDir) + "/srm"};
+    return std::string(binDir) + "/" + name;
+}
+
+ProcessResult runSrm(const std::vector<std::string>& arguments, const ProcessOptions& options)
+{
+    std::vector<std::string> argv{buildProgram("srm")};
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    return runProcess(argv, options);
+}
+
+ProcessResult runCli(const std::vector<std::string>& arguments)
+{
+    ProcessOptions options;
+    options.timeoutSeconds = 300;
+    return runCli(arguments, options);
+}
+
+ProcessResult runCli(const std::vector<std::string>& arguments, const ProcessOptions& options,
+                     const std::vector<std::string>& wrapper)
+{
+    std::vector<std::string> argv = wrapper;
+    argv.push_back(buildProgram("velmora-cli"));
     argv.insert(argv.end(), arguments.begin(), arguments.end());
     return runProcess(argv, options);
 }

@@ -35,6 +35,12 @@ int waitForChild(pid_t pid, int timeoutSeconds, bool& timedOut);
 // The srm tool of this build, run as a child with the given arguments.
 ProcessResult runSrm(const std::vector<std::string>& arguments, const ProcessOptions& options = {});
 
+// velmora-cli of this build, run as a child with the given arguments (for up to 300 s when
+// no options are given); `wrapper` (such as setpriv and its options) runs it when given.
+ProcessResult runCli(const std::vector<std::string>& arguments);
+ProcessResult runCli(const std::vector<std::string>& arguments, const ProcessOptions& options,
+                     const std::vector<std::string>& wrapper = {});
+
 // The uid and gid that `unprivileged` runs use, so a test can hand files to them.
 uid_t unprivilegedUid();
 gid_t unprivilegedGid();

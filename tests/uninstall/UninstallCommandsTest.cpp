@@ -5,19 +5,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 using namespace velmora::test;
 
 namespace {
-
-ProcessResult runCli(const std::vector<std::string>& arguments) {
-    std::vector<std::string> argv = {std::string(std::getenv("VELMORA_BIN_DIR")) + "/velmora-cli"};
-    argv.insert(argv.end(), arguments.begin(), arguments.end());
-    return runProcess(argv);
-}
 
 QJsonArray jsonArray(const ProcessResult& result) {
     return QJsonDocument::fromJson(QByteArray::fromStdString(result.out)).array();
