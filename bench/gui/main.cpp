@@ -21,6 +21,7 @@ namespace velmora::bench {
 
 // The scenarios, one per page; each file of this folder defines one.
 void benchShell(BenchContext& context);
+void benchDuplicateFinder(BenchContext& context);
 
 }  // namespace velmora::bench
 
@@ -58,6 +59,7 @@ int main(int argc, char* argv[]) {
         void (*run)(BenchContext&);
     } scenarios[] = {
         {"Shell", benchShell},
+        {"Duplicate Finder", benchDuplicateFinder},
     };
     const QStringList only = parser.value("only").split(',', Qt::SkipEmptyParts);
     for (const auto& scenario : scenarios) {

@@ -35,6 +35,7 @@
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
@@ -706,6 +707,33 @@ private slots:
         m_page->searchBtnClicked();
         waitForSearch();
         QCOMPARE(m_page->results()->groups(DuplicateResults::None).size(), 400u);
+    }
+
+    // The search and the removal run on a worker: a timer set on the user interface
+    // thread just after each starts fires while the page still waits for its end.
+    void searchAndRemovalLeaveTheWindowFree() {
+        const QString root = m_scratch->path() + "/free";
+        for (int pair = 0; pair < 400; ++pair) {
+            const QByteArray content = contentFor(5000 + pair, 2000 + pair);
+            writeFile(QString("%1/a%2/f%3.bin").arg(root).arg(pair % 40).arg(pair), content);
+            writeFile(QString("%1/b%2/f%3.bin").arg(root).arg(pair % 40).arg(pair), content);
+        }
+        bool searching = false;
+        m_page->searchPathChosen(root);
+        QTimer::singleShot(0, m_page, [&] { searching = !m_page->bSearchFinished() && !m_page->isCanClick(); });
+        waitForSearch();
+        QVERIFY(searching);
+        QCOMPARE(m_page->results()->groups(DuplicateResults::None).size(), 400u);
+
+        bool removing = false;
+        m_page->delDuplicateItems();
+        QTimer::singleShot(0, m_page, [&] {
+            removing = m_page->progressPanel() && !m_page->successPanel() && m_page->delNodesArr().size() < 400;
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->successPanel(), kSearchTimeoutMs);
+        QVERIFY(removing);
+        QCOMPARE(m_page->delNodesArr().size(), 400);
+        QCOMPARE(m_page->outlineModel()->rowCount(), 0);
     }
 
     // Closing the window while a worker runs stops and waits for it.

@@ -20,9 +20,8 @@ void FileListing::addFile(quint32 folder, const char* name, size_t nameLength, c
     record.modifiedSeconds = seen.modifiedSeconds;
     record.modifiedNanoseconds = quint32(seen.modifiedNanoseconds);
     record.folder = folder;
-    record.nameOffset = quint32(m_names.size());
     record.nameLength = quint16(nameLength);
-    m_names.insert(m_names.end(), name, name + nameLength);
+    record.nameOffset = quint32(m_names.appendInOneBlock(name, nameLength));
     m_files.push_back(record);
 }
 
@@ -33,7 +32,7 @@ QByteArray FileListing::nativePath(qsizetype i) const {
     result.reserve(folder.size() + 1 + record.nameLength);
     result.append(folder);
     if (!folder.endsWith('/')) result.append('/');
-    result.append(m_names.data() + record.nameOffset, record.nameLength);
+    result.append(m_names.at(record.nameOffset), record.nameLength);
     return result;
 }
 
@@ -41,7 +40,7 @@ QString FileListing::path(qsizetype i) const { return pathFromNative(nativePath(
 
 QString FileListing::name(qsizetype i) const {
     const File& record = m_files[size_t(i)];
-    return pathFromNative(QByteArray(m_names.data() + record.nameOffset, record.nameLength));
+    return pathFromNative(QByteArray(m_names.at(record.nameOffset), record.nameLength));
 }
 
 FileIdentity FileListing::identity(qsizetype i) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/duplicate/BlockArray.h"
 #include "engine/duplicate/FileIdentity.h"
 
 #include <QByteArray>
@@ -35,8 +36,7 @@ public:
         size_t kept = 0;
         for (size_t i = 0; i < m_files.size(); ++i)
             if (keep(qsizetype(i))) m_files[kept++] = m_files[i];
-        m_files.resize(kept);
-        m_files.shrink_to_fit();
+        m_files.truncate(kept);
     }
 
     qsizetype size() const { return qsizetype(m_files.size()); }
@@ -59,9 +59,9 @@ private:
         quint64 inode = 0;
     };
 
-    std::vector<File> m_files;
+    BlockArray<File, 16384> m_files;
     std::vector<Folder> m_folders;
-    std::vector<char> m_names;
+    BlockArray<char, 65536> m_names;  // a name never spans two blocks
 };
 
 }  // namespace velmora

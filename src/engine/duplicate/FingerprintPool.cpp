@@ -24,7 +24,10 @@ bool FingerprintPool::run(qsizetype count, const Job& job, const std::atomic<boo
         }
     };
 
-    QThreadPool* pool = QThreadPool::globalInstance();
+    // A pool of its own: Qt paints large areas on its global pool and waits for
+    // it, so reading threads there would hold the window still until they end.
+    static QThreadPool ownPool;
+    QThreadPool* pool = &ownPool;
     const qsizetype helpers = qMax<qsizetype>(0, std::min({qsizetype(pool->maxThreadCount()), count - 1, maxWorkers - 1}));
     std::mutex mutex;
     std::condition_variable allDone;

@@ -88,11 +88,12 @@ void DuplicateOutlineModel::applyTreeChange(const std::function<void()>& change)
     emit layoutChanged();
 }
 
-// One change over the top rows repaints the whole outline, the copies shown
-// under them included.
-void DuplicateOutlineModel::selectionChanged() {
-    const int groups = rowCount();
-    if (groups > 0) emit dataChanged(index(0, 0), index(groups - 1, ColumnCount - 1));
+// One change over top rows repaints the outline, the copies shown under them
+// included.
+void DuplicateOutlineModel::selectionChanged(int first, int last) {
+    first = qMax(first, 0);
+    last = qMin(last, rowCount() - 1);
+    if (first <= last) emit dataChanged(index(first, 0), index(last, ColumnCount - 1));
 }
 
 void DuplicateOutlineModel::sortGroups(DuplicateResults& results, int column, bool descending) {

@@ -44,8 +44,9 @@ public:
     // Runs a change that removes or reorders rows of the shown groups; the
     // rows that remain keep their expanded state and selection in the view.
     void applyTreeChange(const std::function<void()>& change);
-    // Redraws the rows after selections or labels changed.
-    void selectionChanged();
+    // Redraws the top rows from `first` to `last` (and the copies under
+    // them) after selections or labels changed.
+    void selectionChanged(int first, int last);
     // Orders the groups by a column. The copies keep their order: the last
     // copy of a group is the one select-all keeps.
     void sortGroups(DuplicateResults& results, int column, bool descending);

@@ -292,7 +292,10 @@ void SameFileDeleteViewController::searchBtnClicked() {
 
 QVariant SameFileDeleteViewController::searchDuplicateFiles(DuplicateFilesOpt* opt, const QString& path) {
     if (m_isStopScan) return false;  // stopped before the search began
-    return opt->beginSearchAtPath(path, 0);
+    const bool succeeded = opt->beginSearchAtPath(path, 0);
+    // The result is built here as well, not on the user interface thread.
+    opt->getDuplicateFiles(m_foundResults);
+    return succeeded;
 }
 
 void SameFileDeleteViewController::getPrograss() {
@@ -331,7 +334,8 @@ void SameFileDeleteViewController::searchFinished(bool succeeded) {
     m_unreadableLabel->setToolTip(shown.join('\n'));
     m_unreadableLabel->setVisible(!unreadable.isEmpty());
 
-    if (!m_opt->getDuplicateFiles(m_results)) {
+    m_results = std::move(m_foundResults);
+    if (!m_results) {
         m_emptyView->setSearchPath(m_searchPath);
         m_views->setCurrentWidget(m_emptyView);
         if (keyboardUser) m_emptyView->searchButton()->setFocus(Qt::TabFocusReason);
@@ -408,8 +412,16 @@ void SameFileDeleteViewController::setAllSelectOrNoSelect() {
     refreshSelection();
 }
 
+// Only the groups on screen are announced as changed: the view measures the
+// height of every row a change covers, which over 50,000 groups takes seconds.
 void SameFileDeleteViewController::refreshSelection() {
-    m_model->selectionChanged();
+    const auto groupRowAt = [this](int y) {
+        QModelIndex index = m_outlineView->indexAt(QPoint(0, y));
+        while (index.parent().isValid()) index = index.parent();
+        return index.isValid() ? index.row() : -1;
+    };
+    const int bottom = groupRowAt(m_outlineView->viewport()->height() - 1);
+    m_model->selectionChanged(qMax(0, groupRowAt(0)), bottom < 0 ? m_model->rowCount() - 1 : bottom);
     updateTitle();
     updateSelectAllButton();
     updateRemoveButton();
@@ -682,9 +694,7 @@ void SameFileDeleteViewController::showFailView(const QString& title, const QStr
 // Whether the keyboard focus is on this page: a view that replaces the one with the focus
 // then hands it on to its own first control, so that Tab and Space go on where they were.
 bool SameFileDeleteViewController::hasFocusInside() const {
-    // The window's focus widget, not the application's: while the folder panel is still
-    // active the application's focus is in it, and the window gets back the one it had.
-    const QWidget* focus = window()->focusWidget();
+    const QWidget* focus = QApplication::focusWidget();
     return focus && isAncestorOf(focus);
 }
 

@@ -135,6 +135,7 @@ private:
     QString m_searchPath;
     std::unique_ptr<DuplicateFilesOpt> m_opt;
     std::unique_ptr<DuplicateResults> m_results;
+    std::unique_ptr<DuplicateResults> m_foundResults;  // built by the search worker, taken over at its end
     int m_remberWitchSelect = 0;
     QList<DuplicateResults::Copy> m_removalLeaves;  // the copies being removed, in the selection's order
     QList<DuplicateResults::Copy> m_delNodesArr;    // those removed so far
