@@ -21,6 +21,8 @@ namespace velmora::bench {
 
 // The scenarios, one per page; each file of this folder defines one.
 void benchShell(BenchContext& context);
+void benchEraseFiles(BenchContext& context);
+void benchHistory(BenchContext& context);
 void benchDuplicateFinder(BenchContext& context);
 
 }  // namespace velmora::bench
@@ -59,6 +61,8 @@ int main(int argc, char* argv[]) {
         void (*run)(BenchContext&);
     } scenarios[] = {
         {"Shell", benchShell},
+        {"Erase Files", benchEraseFiles},
+        {"History", benchHistory},
         {"Duplicate Finder", benchDuplicateFinder},
     };
     const QStringList only = parser.value("only").split(',', Qt::SkipEmptyParts);
