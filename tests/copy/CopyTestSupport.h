@@ -3,8 +3,8 @@
 #include "engine/copy/DoCopyFiles.h"
 #include "engine/copy/EumeRoot.h"
 #include "support/ChildProcess.h"
+#include "support/QtTestSupport.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 #include <dirent.h>
@@ -15,14 +15,6 @@
 #include <vector>
 
 namespace velmora::test {
-
-inline void ensureApplication() {
-    if (QCoreApplication::instance()) return;
-    static int argc = 1;
-    static char name[] = "test_copy";
-    static char* argv[] = {name, nullptr};
-    new QCoreApplication(argc, argv);
-}
 
 // A copy run to its end, with every progress report it made.
 struct CopyRun {

@@ -1,5 +1,5 @@
 #include "HistorySql.h"
-#include "QStringPrinter.h"
+#include "support/QtTestSupport.h"
 #include "support/TempDataDir.h"
 #include "engine/erase/PublicUtilities.h"
 #include "engine/history/DoDataBase.h"

@@ -1,4 +1,4 @@
-#include "QStringPrinter.h"
+#include "support/QtTestSupport.h"
 #include "engine/history/HistoryKey.h"
 
 #include <QTimeZone>

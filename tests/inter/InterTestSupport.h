@@ -1,14 +1,14 @@
 #pragma once
 
 #include "engine/inter/BrowerObj.h"
+#include "support/QtTestSupport.h"
 
 #include <QString>
 #include <filesystem>
 #include <ostream>
 #include <gtest/gtest.h>
 
-// GoogleTest prints QString values and takes them in failure messages.
-inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
+// GoogleTest takes QString values in failure messages.
 inline std::ostream& operator<<(std::ostream& out, const QString& text) { return out << text.toStdString(); }
 
 namespace velmora::test {

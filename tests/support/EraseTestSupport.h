@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/QtTestSupport.h"
 #include "support/TempDataDir.h"
 #include "engine/erase/FileObj.h"
 #include "engine/erase/ImmutableFlag.h"
@@ -24,19 +25,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-// Readable QString values in assertion messages.
-inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
-
 namespace velmora::test {
-
-// The engine's process handling needs an application object and an event loop.
-inline void ensureApplication() {
-    if (QCoreApplication::instance()) return;
-    static int argc = 1;
-    static char name[] = "erase-test";
-    static char* argv[] = {name, nullptr};
-    new QCoreApplication(argc, argv);
-}
 
 inline QString binDir() { return qEnvironmentVariable("VELMORA_BIN_DIR"); }
 

@@ -2,20 +2,12 @@
 
 #include "engine/uninstall/AMAppItem.h"
 #include "engine/platform/NativePath.h"
+#include "support/QtTestSupport.h"
 
-#include <QCoreApplication>
 #include <QStringList>
 #include <string>
 
 namespace velmora::test {
-
-// The event loop the asynchronous scans and removals report through.
-inline void ensureApplication() {
-    static int argc = 1;
-    static char name[] = "test_uninstall";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);
-}
 
 inline QString q(const std::string& path) { return pathFromNative(QByteArray::fromStdString(path)); }
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "support/QtTestSupport.h"
 #include "support/TempDataDir.h"
 #include "engine/history/DoDataBase.h"
 
 #include <QByteArray>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -18,15 +18,6 @@
 #include <unistd.h>
 
 namespace velmora::test {
-
-// The engine's timers, children and hand-overs need an application object.
-inline void ensureApplication() {
-    if (QCoreApplication::instance()) return;
-    static int argc = 1;
-    static char name[] = "test_volumes";
-    static char* argv[] = {name, nullptr};
-    new QCoreApplication(argc, argv);
-}
 
 inline QString sourceDir() { return qEnvironmentVariable("VELMORA_SOURCE_DIR"); }
 inline QString binDir() { return qEnvironmentVariable("VELMORA_BIN_DIR"); }
