@@ -67,4 +67,26 @@ QList<QList<qsizetype>> sharedClassesBySorting(std::vector<qsizetype> indices, K
     return classes;
 }
 
+// The classes of sharedClassesBySorting, left in place: `indices` ends up
+// sorted by key (ascending indexes within a key) and the answer tells where
+// each class of two or more members begins and ends in it, in the order of
+// the classes' first members. Costs 8 bytes per class and nothing per member.
+template <typename Key, typename KeyOf>
+std::vector<std::pair<quint32, quint32>> sharedRunsBySorting(std::vector<quint32>& indices, KeyOf keyOf) {
+    std::sort(indices.begin(), indices.end(), [&](quint32 x, quint32 y) {
+        const Key kx = keyOf(x), ky = keyOf(y);
+        return kx < ky || (kx == ky && x < y);
+    });
+    std::vector<std::pair<quint32, quint32>> runs;
+    for (size_t start = 0; start < indices.size();) {
+        const Key key = keyOf(indices[start]);
+        size_t end = start + 1;
+        while (end < indices.size() && keyOf(indices[end]) == key) ++end;
+        if (end - start > 1) runs.emplace_back(quint32(start), quint32(end));
+        start = end;
+    }
+    std::sort(runs.begin(), runs.end(), [&](const auto& x, const auto& y) { return indices[x.first] < indices[y.first]; });
+    return runs;
+}
+
 }  // namespace velmora

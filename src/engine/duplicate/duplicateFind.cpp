@@ -12,6 +12,9 @@
 #include <numeric>
 #include <vector>
 #include <fcntl.h>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <unistd.h>
 
 namespace velmora {
@@ -21,6 +24,14 @@ namespace {
 // How far a file has been read: Distinct means it was read far enough to
 // know that no other file equals it.
 enum class Stage : quint8 { Unread, FirstBlock, Distinct, Whole, Failed };
+
+// Gives the memory freed by a finished stage back to the system: the stages
+// free many small blocks on several threads, which the allocator would keep.
+void returnFreedMemory() {
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
+}
 
 bool isFolder(const QString& path) {
     if (path.isEmpty()) return false;
@@ -47,6 +58,7 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     const bool listed = m_enumerator.getListAtPath(path, *m_files, appDirectories, limittedSize);
     m_unreadable = m_enumerator.unreadableFolders();
     qCInfo(lcDuplicate, "listed %lld files in %zu bytes", qlonglong(m_files->size()), m_files->bytesUsed());
+    returnFreedMemory();
 
     // Each reading thread holds one descriptor at a time; what the budget
     // has beyond that lets a group of same-size files stay open between
@@ -210,20 +222,23 @@ void duplicateFind::findDuplicateFiles(DescriptorBudget& budget, qsizetype worke
             if (stage[i] == Stage::FirstBlock) unfinishedFirstBlocks.insert(firstBlockKey(i));
         }
     }
-    std::vector<qsizetype> comparable;
+    sameSize = {};
+    returnFreedMemory();
+    std::vector<quint32> comparable;
     for (qsizetype i = 0; i < total; ++i)
         if (stage[i] == Stage::Whole && !unfinishedSizes.contains(sizeOf(i)) &&
             !unfinishedFirstBlocks.contains(firstBlockKey(i)))
-            comparable.push_back(i);
-    const auto wholeKey = [&](qsizetype i) {
-        return FingerprintKey{sizeOf(i), prints[size_t(i)].firstBlock, prints[size_t(i)].whole};
+            comparable.push_back(quint32(i));
+    const auto wholeKey = [&](quint32 i) {
+        return FingerprintKey{sizeOf(i), prints[i].firstBlock, prints[i].whole};
     };
-    qsizetype alone = 0;
-    for (const QList<qsizetype>& equal : sharedClassesBySorting<FingerprintKey>(std::move(comparable), wholeKey, alone)) {
+    for (const auto& [start, end] : sharedRunsBySorting<FingerprintKey>(comparable, wholeKey)) {
         m_groupStarts.push_back(m_copies.size());
-        for (qsizetype k = 1; k < equal.size(); ++k) m_copies.push_back(quint32(equal[k]));
-        m_copies.push_back(quint32(equal.first()));
+        m_copies.insert(m_copies.end(), comparable.begin() + start + 1, comparable.begin() + end);
+        m_copies.push_back(comparable[start]);
     }
+    m_copies.shrink_to_fit();
+    m_groupStarts.shrink_to_fit();
 }
 
 std::vector<quint32> duplicateFind::duplicateGroup(qsizetype group) const {
