@@ -6,7 +6,6 @@
 #include "support/TestFiles.h"
 
 #include <QSignalSpy>
-#include <cstdlib>
 
 namespace velmora::test {
 namespace {
@@ -19,13 +18,6 @@ VolumeObj volume(const std::string& path, qint64 total, qint64 free) {
     record.volumeFreeSizeNum = free;
     return record;
 }
-
-// Sets an environment variable for the scope of a test.
-struct ScopedEnv {
-    ScopedEnv(const char* name, const std::string& value) : name(name) { setenv(name, value.c_str(), 1); }
-    ~ScopedEnv() { unsetenv(name); }
-    const char* name;
-};
 
 TEST(CopyScreen, TheSourceDriveIsRefusedAsDestinationAndTheOtherWayRound) {
     ensureApplication();
@@ -94,7 +86,7 @@ TEST(CopyScreen, TheDatedFolderOnTheSystemRootHasOneSlashAndFallsBackToTheDeskto
 
     TempDir root;
     {
-        const ScopedEnv redirected("VELMORA_ROOT", root.path());
+        const ScopedEnv redirected("VELMORA_ROOT", QString::fromStdString(root.path()));
         CloneFolder folder;
         ASSERT_TRUE(folder.create("/", when, nullptr));
         EXPECT_EQ(folder.path().toStdString(), root.path() + "/VLclone(2026-03-04 05:06:07)");
@@ -104,7 +96,7 @@ TEST(CopyScreen, TheDatedFolderOnTheSystemRootHasOneSlashAndFallsBackToTheDeskto
     // A destination that cannot hold a folder (here a file): the desktop folder.
     TempDir home;
     writeFile(root / "file", "not a folder");
-    const ScopedEnv redirected("VELMORA_HOME", home.path());
+    const ScopedEnv redirected("VELMORA_HOME", QString::fromStdString(home.path()));
     CloneFolder folder;
     ASSERT_TRUE(folder.create(QString::fromStdString(root / "file"), when, nullptr));
     EXPECT_TRUE(folder.onDesktop());

@@ -28,14 +28,11 @@ protected:
     // Runs the engine over the records with the tools of another folder: the
     // results, or none when the run did not end.
     static std::optional<FileObjList> runWithToolsIn(const QString& toolFolder, const FileObjList& records) {
-        const QByteArray realBin = qgetenv("VELMORA_BIN_DIR");
-        qputenv("VELMORA_BIN_DIR", toolFolder.toUtf8());
+        const ScopedEnv tools("VELMORA_BIN_DIR", toolFolder);
         RemoveFileAndFolder engine;
         EngineRun run(engine);
         engine.benginToTraskWithArr(records);
-        const bool ended = run.waitForEnd();
-        qputenv("VELMORA_BIN_DIR", realBin);
-        if (!ended) return std::nullopt;
+        if (!run.waitForEnd()) return std::nullopt;
         return run.results;
     }
 };

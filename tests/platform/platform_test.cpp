@@ -1,3 +1,4 @@
+#include "support/QtTestSupport.h"
 #include "support/TempDataDir.h"
 #include "engine/platform/PropertyList.h"
 #include "engine/platform/StandardPaths.h"
@@ -85,21 +86,20 @@ TEST(SteadyWiperBase, ExistingUserCopyIsNotReseeded) {
 TEST(StandardPaths, EnvironmentRedirectsRootsAndLayout) {
     TempDataDir data;
     EXPECT_EQ(StandardPaths::dataDir(), data.path());
-    qputenv("VELMORA_ROOT", "/tmp/fakeroot/");
-    qputenv("VELMORA_HOME", "/tmp/fakehome");
-    qputenv("VELMORA_LAYOUT", "macos");
-    EXPECT_EQ(StandardPaths::systemRoot(), "/tmp/fakeroot");
-    EXPECT_EQ(StandardPaths::preferencesDir(), "/tmp/fakehome/Library/Preferences");
-    EXPECT_EQ(StandardPaths::applicationsDirs().first(), "/tmp/fakeroot/Applications");
-    EXPECT_EQ(StandardPaths::volumesRoot(), "/Volumes");
-    EXPECT_EQ(StandardPaths::diskUtilPath(), "/usr/sbin/diskutil");
-    qputenv("VELMORA_LAYOUT", "linux");
-    EXPECT_EQ(StandardPaths::preferencesDir(), "/tmp/fakehome/.config");
-    EXPECT_EQ(StandardPaths::cachesDir(), "/tmp/fakehome/.cache");
-    EXPECT_TRUE(StandardPaths::volumesRoot().isEmpty());
-    EXPECT_TRUE(StandardPaths::diskUtilPath().endsWith("velmora-diskutil"));
-    qunsetenv("VELMORA_ROOT");
-    qunsetenv("VELMORA_HOME");
-    qunsetenv("VELMORA_LAYOUT");
+    {
+        const test::ScopedEnv root("VELMORA_ROOT", "/tmp/fakeroot/");
+        const test::ScopedEnv home("VELMORA_HOME", "/tmp/fakehome");
+        const test::ScopedEnv macos("VELMORA_LAYOUT", "macos");
+        EXPECT_EQ(StandardPaths::systemRoot(), "/tmp/fakeroot");
+        EXPECT_EQ(StandardPaths::preferencesDir(), "/tmp/fakehome/Library/Preferences");
+        EXPECT_EQ(StandardPaths::applicationsDirs().first(), "/tmp/fakeroot/Applications");
+        EXPECT_EQ(StandardPaths::volumesRoot(), "/Volumes");
+        EXPECT_EQ(StandardPaths::diskUtilPath(), "/usr/sbin/diskutil");
+        const test::ScopedEnv linux("VELMORA_LAYOUT", "linux");
+        EXPECT_EQ(StandardPaths::preferencesDir(), "/tmp/fakehome/.config");
+        EXPECT_EQ(StandardPaths::cachesDir(), "/tmp/fakehome/.cache");
+        EXPECT_TRUE(StandardPaths::volumesRoot().isEmpty());
+        EXPECT_TRUE(StandardPaths::diskUtilPath().endsWith("velmora-diskutil"));
+    }
     EXPECT_EQ(StandardPaths::systemRoot(), "/");
 }

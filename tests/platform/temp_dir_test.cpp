@@ -1,5 +1,6 @@
 // The per-user temporary folder: only a real folder of ours, mode 0700, is used;
 // one prepared by another user or a link planted in its place is refused.
+#include "support/QtTestSupport.h"
 #include "support/TempDataDir.h"
 #include "engine/platform/StandardPaths.h"
 
@@ -44,26 +45,16 @@ bool chownTo(const QString& path, uid_t owner) {
 // redirection, for the lifetime of the object.
 class RuntimeDirEnvironment {
 public:
-    RuntimeDirEnvironment() {
-        m_oldRuntime = qgetenv("XDG_RUNTIME_DIR");
-        m_oldTmp = qgetenv("TMPDIR");
-        ::chmod(QFile::encodeName(m_runtime.path()).constData(), 0700);
-        qunsetenv("VELMORA_DATA_DIR");
-        qputenv("XDG_RUNTIME_DIR", m_runtime.path().toUtf8());
-        qputenv("TMPDIR", m_tmp.path().toUtf8());
-    }
-    ~RuntimeDirEnvironment() {
-        m_oldRuntime.isNull() ? qunsetenv("XDG_RUNTIME_DIR") : qputenv("XDG_RUNTIME_DIR", m_oldRuntime);
-        m_oldTmp.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", m_oldTmp);
-    }
+    RuntimeDirEnvironment() { ::chmod(QFile::encodeName(m_runtime.path()).constData(), 0700); }
     QString runtime() const { return m_runtime.path(); }
     QString tmp() const { return m_tmp.path(); }
 
 private:
     QTemporaryDir m_runtime;
     QTemporaryDir m_tmp;
-    QByteArray m_oldRuntime;
-    QByteArray m_oldTmp;
+    test::ScopedEnv m_noDataDir{"VELMORA_DATA_DIR", {}};
+    test::ScopedEnv m_runtimeDir{"XDG_RUNTIME_DIR", m_runtime.path()};
+    test::ScopedEnv m_tmpDir{"TMPDIR", m_tmp.path()};
 };
 
 }  // namespace

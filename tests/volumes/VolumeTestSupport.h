@@ -23,23 +23,6 @@ inline QString sourceDir() { return qEnvironmentVariable("VELMORA_SOURCE_DIR"); 
 inline QString binDir() { return qEnvironmentVariable("VELMORA_BIN_DIR"); }
 inline QString fixture(const QString& name) { return sourceDir() + "/tests/fixtures/volumes/" + name; }
 
-// Sets an environment variable for the lifetime of the object.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const QString& value) : m_name(name), m_old(qgetenv(name)), m_had(qEnvironmentVariableIsSet(name)) {
-        qputenv(name, value.toUtf8());
-    }
-    ~ScopedEnv() {
-        if (m_had) qputenv(m_name, m_old);
-        else qunsetenv(m_name);
-    }
-
-private:
-    const char* m_name;
-    QByteArray m_old;
-    bool m_had;
-};
-
 // Runs a program and waits; the exit code, or -1 when it did not run.
 inline int run(const QString& program, const QStringList& arguments, QByteArray* output = nullptr, int timeoutMs = 120000) {
     QProcess process;
