@@ -1,8 +1,8 @@
-// The polkit policy shipped in resources/polkit: valid against polkit's DTD, every
-// action asks for an administrator each time, and each one matches a program and first
-// argument the application really runs through pkexec, so its message is the one shown.
+// The polkit policy shipped in resources/polkit (its installed form is checked against
+// polkit's DTD by the install test): every action asks for an administrator each time,
+// and each one matches a program and first argument the application really runs through
+// pkexec, so its message is the one shown.
 #include "diskutil/DiskUtilTestSupport.h"
-#include "support/LoopVolume.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -12,8 +12,6 @@
 
 namespace velmora::test {
 namespace {
-
-const char* const policyDtd = "/usr/share/polkit-1/policyconfig-1.dtd";
 
 std::string policyPath() {
     const char* source = std::getenv("VELMORA_SOURCE_DIR");
@@ -41,17 +39,10 @@ std::vector<Action> actionsOf(const std::string& xml) {
 
 }  // namespace
 
-TEST(PolkitPolicy, IsValidAndEveryActionMatchesWhatTheApplicationRuns) {
+TEST(PolkitPolicy, EveryActionAsksForAnAdministratorAndMatchesWhatTheApplicationRuns) {
     std::ifstream file(policyPath());
     ASSERT_TRUE(file) << policyPath();
     const std::string xml((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-
-    if (programPath("xmllint").empty() || !std::ifstream(policyDtd)) {
-        std::cerr << "SKIPPED (DTD check only): xmllint or " << policyDtd << " is not installed" << std::endl;
-    } else {
-        const CommandResult check = runCommand({"xmllint", "--noout", "--dtdvalid", policyDtd, policyPath()});
-        EXPECT_EQ(check.exitCode, 0) << check.err;
-    }
 
     const std::vector<Action> actions = actionsOf(xml);
     ASSERT_EQ(actions.size(), 5u);
