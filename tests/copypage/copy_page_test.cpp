@@ -305,12 +305,16 @@ private slots:
         QCOMPARE(m_page->pos(), QPoint(0, m_window->pageArea()->height()));
         QVERIFY(waitUntil([this] { return m_page->pos() == QPoint(0, 0); }, 3000));
         QCOMPARE(m_page->size(), m_window->pageArea()->size());
+        QWidget* covered = m_window->allBaseViewArr().first();
+        QVERIFY(!covered->isVisible());  // Tab cannot reach the page under it
         m_window->resize(m_window->minimumSize());
         QCOMPARE(m_page->geometry(), m_window->pageArea()->rect());
         m_window->resize(1500, 950);
         m_page->closePage();
         QVERIFY(waitUntil([this] { return !m_page->isVisible(); }, 3000));
+        QVERIFY(covered->isVisible());
         QCOMPARE(m_page->pos(), QPoint(0, m_window->pageArea()->height()));
+        QCOMPARE(covered->geometry(), m_window->pageArea()->rect());
     }
 
     // From the keyboard alone: Tab reaches the drive rows (Space chooses) and "Copy Now";

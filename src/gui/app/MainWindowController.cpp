@@ -451,9 +451,19 @@ void MainWindowController::updateCloseStandIn() {
     m_closeStandIn->show();
 }
 
+// The tool page under the drive-copy page is hidden while the copy page covers it, so
+// that Tab never stops on a control the user cannot see.
+void MainWindowController::hidePageUnderDiskCopyView() {
+    QWidget* page = m_allBaseViewArr.at(slotForTag(m_indexSelectView));
+    const bool covered = m_diskCopyView->isVisible() && m_diskCopyView->y() == 0;
+    if (page->isVisible() == covered) page->setVisible(!covered);
+}
+
 bool MainWindowController::eventFilter(QObject* watched, QEvent* event) {
-    // A modal panel shown or hidden, the window moved: the close stand-in follows.
     const QEvent::Type type = event->type();
+    if (watched == m_diskCopyView && (type == QEvent::Move || type == QEvent::Show || type == QEvent::Hide))
+        hidePageUnderDiskCopyView();
+    // A modal panel shown or hidden, the window moved: the close stand-in follows.
     if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::Move || type == QEvent::Resize ||
         type == QEvent::ApplicationStateChange) {
         auto* widget = qobject_cast<QWidget*>(watched);

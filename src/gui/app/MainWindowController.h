@@ -103,6 +103,7 @@ private:
     void quitNow();
     void closePanels();
     void updateCloseStandIn();
+    void hidePageUnderDiskCopyView();
 
     QWidget* m_sidebar;
     QWidget* m_pageArea;
