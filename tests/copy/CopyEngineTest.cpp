@@ -180,11 +180,7 @@ TEST(CopyEngine, AnUnreadableItemIsReportedAndTheRestCopiedByTheCli) {
     writeFile(source / "readable", "fine");
     writeFile(source / "locked", "private");
     chmod((source / "locked").c_str(), 0);
-    // As root, without the capabilities that let root read any file.
-    const std::vector<std::string> wrapper =
-        geteuid() == 0 ? std::vector<std::string>{"setpriv", "--bounding-set=-dac_override,-dac_read_search"}
-                       : std::vector<std::string>{};
-    const ProcessResult result = runCli({"copy", "--yes", source.path(), destination.path()}, {}, wrapper);
+    const ProcessResult result = runCli({"copy", "--yes", source.path(), destination.path()}, {}, withoutReadOverride());
     EXPECT_EQ(result.status, 1) << result.err;
     EXPECT_NE(result.out.find("Failed  " + source.path() + "/locked: "), std::string::npos) << result.out;
     const std::string clone = onlyEntryStartingWith(destination.path(), "VLclone(");

@@ -15,11 +15,6 @@ using namespace velmora::test;
 
 namespace {
 
-// As root, velmora-cli runs under this without the capabilities that let root read any folder.
-std::vector<std::string> withoutOverride() {
-    if (::geteuid() != 0) return {};
-    return {"/usr/bin/setpriv", "--bounding-set=-dac_override,-dac_read_search"};
-}
 
 QJsonObject named(const QJsonArray& list, const QString& name) {
     for (const QJsonValue& value : list)
@@ -117,9 +112,9 @@ TEST(BrowsersCommand, UnreadableProfileFolderIsNamed) {
     BrowserHome fake;
     const std::string folder = fake.home / ".config/google-chrome";
     ::chmod(folder.c_str(), 0);
-    const ProcessResult result = runCli({"browsers"}, {}, withoutOverride());
+    const ProcessResult result = runCli({"browsers"}, {}, withoutReadOverride());
     ::chmod(folder.c_str(), 0755);
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.err.find("cannot read " + folder + ": Permission denied"), std::string::npos) << result.err;
-    EXPECT_EQ(runCli({"browsers"}, {}, withoutOverride()).err.find("cannot read"), std::string::npos);
+    EXPECT_EQ(runCli({"browsers"}, {}, withoutReadOverride()).err.find("cannot read"), std::string::npos);
 }

@@ -166,6 +166,13 @@ ProcessResult runCli(const std::vector<std::string>& arguments, const ProcessOpt
     return runProcess(argv, options);
 }
 
+std::vector<std::string> withoutReadOverride()
+{
+    if (geteuid() != 0)
+        return {};
+    return {"/usr/bin/setpriv", "--bounding-set=-dac_override,-dac_read_search"};
+}
+
 uid_t unprivilegedUid()
 {
     return geteuid() == 0 ? kNobody : geteuid();

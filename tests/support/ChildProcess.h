@@ -41,6 +41,10 @@ ProcessResult runCli(const std::vector<std::string>& arguments);
 ProcessResult runCli(const std::vector<std::string>& arguments, const ProcessOptions& options,
                      const std::vector<std::string>& wrapper = {});
 
+// A wrapper for runCli: as root, setpriv without the capabilities that let root read any
+// file or folder, so a test can show what happens to an unreadable item; empty otherwise.
+std::vector<std::string> withoutReadOverride();
+
 // The uid and gid that `unprivileged` runs use, so a test can hand files to them.
 uid_t unprivilegedUid();
 gid_t unprivilegedGid();
