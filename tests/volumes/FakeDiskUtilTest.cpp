@@ -46,6 +46,13 @@ protected:
         return list.value(0);
     }
 
+    // A whole-drive run on the volume the wipe has chosen, to its end view.
+    static WipeRun eraseWholeDrive(FreeSpaceWipe& wipe) {
+        wipe.selectEraserType = 2;
+        WholeDriveErase erase(&wipe);
+        return WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 120000);
+    }
+
     std::unique_ptr<LoopVolume> m_boundedVolume;
     std::optional<ScopedEnv> m_boundedRoot;
 };
@@ -150,8 +157,7 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseReformatsRemovesLeftoversAndFills) {
     wipe.selectEraserType = 2;
     wipe.selectVolumeObj = volumeFor("disk2s1");
     ASSERT_EQ(wipe.wipeButtonAction(), FreeSpaceWipe::WipeStart::DoEraserPartiltion);
-    WholeDriveErase erase(&wipe);
-    const WipeRun run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 120000);
+    const WipeRun run = eraseWholeDrive(wipe);
 
     ASSERT_TRUE(run.ended) << run.endText.toStdString();
     EXPECT_TRUE(run.succeeded) << run.endText.toStdString();
@@ -178,10 +184,8 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseOfNtfsErasesAsFat32NamedNew) {
     const QString volumes = StandardPaths::volumesRoot();
     ASSERT_TRUE(QDir().mkpath(volumes + "/WINDATA"));
     FreeSpaceWipe wipe;
-    wipe.selectEraserType = 2;
     wipe.selectVolumeObj = volumeFor("disk3s1");
-    WholeDriveErase erase(&wipe);
-    const WipeRun run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 120000);
+    const WipeRun run = eraseWholeDrive(wipe);
 
     ASSERT_TRUE(run.ended) << run.endText.toStdString();
     EXPECT_TRUE(run.succeeded) << run.endText.toStdString();
@@ -203,10 +207,8 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseFailsBeforeTouchingAnyFileWhenTheReforma
     ScopedEnv failing("FAKE_DISKUTIL_ERASE_EXIT", "1");
 
     FreeSpaceWipe wipe;
-    wipe.selectEraserType = 2;
     wipe.selectVolumeObj = volumeFor("disk2s1");
-    WholeDriveErase erase(&wipe);
-    const WipeRun run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 60000);
+    const WipeRun run = eraseWholeDrive(wipe);
 
     ASSERT_TRUE(run.ended);
     EXPECT_FALSE(run.succeeded);
@@ -225,11 +227,9 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseFailsBeforeTouchingAnyFileWhenTheReforma
 TEST_F(FakeDiskUtilTest, WholeDriveEraseFailsWithoutReformattingWhenThePinnedVolumeDoesNotResolve) {
     ASSERT_TRUE(QDir().mkpath(m_root.path() + "/Volumes/STICK"));
     FreeSpaceWipe wipe;
-    wipe.selectEraserType = 2;
     wipe.selectVolumeObj = volumeFor("disk2s1");
     wipe.selectVolumeObj.diskUUID = "00000000-0000-0000-0000-000000000000";  // listed before the stick was swapped
-    WholeDriveErase erase(&wipe);
-    WipeRun run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 60000);
+    WipeRun run = eraseWholeDrive(wipe);
     ASSERT_TRUE(run.ended);
     EXPECT_FALSE(run.succeeded);
     EXPECT_TRUE(run.endText.contains("\"STICK\" (/dev/disk2s1)")) << run.endText.toStdString();
@@ -237,7 +237,7 @@ TEST_F(FakeDiskUtilTest, WholeDriveEraseFailsWithoutReformattingWhenThePinnedVol
 
     ASSERT_TRUE(QDir(m_root.path() + "/Volumes/STICK").removeRecursively());
     wipe.selectVolumeObj = volumeFor("disk2s1");
-    run = WipeRun::until(wipe, [&erase] { erase.makeSureToWipeSelectVolume(); }, 60000);
+    run = eraseWholeDrive(wipe);
     ASSERT_TRUE(run.ended);
     EXPECT_FALSE(run.succeeded);
     EXPECT_TRUE(run.endText.contains("not mounted")) << run.endText.toStdString();
