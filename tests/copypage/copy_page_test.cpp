@@ -297,6 +297,23 @@ private slots:
         QVERIFY2(copied < 800, qPrintable(QString("%1 files copied").arg(copied)));
     }
 
+    // Tab goes as the page reads: from the close button through the source and the
+    // destination rows to the footer (the copy mode waits for a source).
+    void tabGoesFromTheHeaderThroughTheDrivesToTheFooter() {
+        QVERIFY(openFromMenu());
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QList<QWidget*> order;
+        for (DiskListViewController* row : m_page->sourcePicker()->rows()) order.append(row);
+        for (DiskListViewController* row : m_page->destinationPicker()->rows()) order.append(row);
+        order.append(m_page->verifyBox());
+        m_page->closeButton()->setFocus(Qt::TabFocusReason);
+        for (QWidget* next : order) {
+            press(Qt::Key_Tab);
+            QCOMPARE(focused(), next);
+        }
+    }
+
     // In a large window the page slides in from below the page area to cover it whole,
     // follows a resize, and slides out below it again.
     void slidesOverTheWholePageAreaInALargeWindow() {

@@ -19,8 +19,9 @@ inline void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
 
 // Presses Tab until `target` has the focus; false when it is not reached, or when a
 // stop on the way is a control the user cannot see. The target's window is made active
-// first, as the window manager does when a panel over it closes.
-inline bool tabTo(QWidget* target, int limit = 40) {
+// first, as the window manager does when a panel over it closes. The limit leaves room
+// for pages that list every mounted volume (loop volumes of other tests among them).
+inline bool tabTo(QWidget* target, int limit = 100) {
     QWidget* window = target->window();
     if (QApplication::activeWindow() != window) {
         window->activateWindow();

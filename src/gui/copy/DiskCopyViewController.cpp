@@ -8,6 +8,7 @@
 #include "gui/copy/CopyMakeSureVC.h"
 #include "gui/copy/CopyProgreViewController.h"
 #include "gui/copy/CopySuccessViewController.h"
+#include "gui/copy/DiskListViewController.h"
 #include "gui/copy/SelectCopyFilesViewController.h"
 #include "gui/copy/SelectDiskViewController.h"
 #include "gui/widgets/ImageSetButton.h"
@@ -215,6 +216,13 @@ void DiskCopyViewController::getallVolumes() {
 void DiskCopyViewController::reloadPickers() {
     m_sourcePicker->setVolumes(m_scan->allVolumeArr());
     m_destinationPicker->setVolumes(m_scan->allVolumeArr());
+    // Tab goes as the page reads, from the header through the drive rows (made anew here)
+    // to the footer.
+    QList<QWidget*> order{m_closeButton};
+    for (DiskListViewController* row : m_sourcePicker->rows()) order.append(row);
+    for (DiskListViewController* row : m_destinationPicker->rows()) order.append(row);
+    order << m_copyTypeBox << m_changePickButton << m_verifyBox << m_copyButton;
+    for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order.at(i - 1), order.at(i));
     refreshState();
 }
 

@@ -62,6 +62,8 @@ DiskListViewController* SelectDiskViewController::rowOfPath(const QString& volum
 }
 
 bool SelectDiskViewController::eventFilter(QObject* watched, QEvent* event) {
+    // A row reached with Tab is scrolled into view, so the ring is never out of sight.
+    if (event->type() == QEvent::FocusIn) m_scrollArea->ensureWidgetVisible(static_cast<QWidget*>(watched));
     if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();
     if (key != Qt::Key_Up && key != Qt::Key_Down) return false;
