@@ -1,7 +1,5 @@
 #include "engine/duplicate/ThreadWorker.h"
 
-#include <QSemaphore>
-#include <memory>
 
 namespace velmora {
 
@@ -25,21 +23,6 @@ void ThreadWorker::run() {
 
 void ThreadWorker::performOnTargetThread(const std::function<void()>& call) {
     QMetaObject::invokeMethod(m_target, call, Qt::QueuedConnection);
-}
-
-bool ThreadWorker::performOnTargetThreadAndWait(const std::function<void()>& call) {
-    // Shared with the posted call, which may outlive this wait when cancelled.
-    auto done = std::make_shared<QSemaphore>();
-    QMetaObject::invokeMethod(
-        m_target,
-        [call, done] {
-            call();
-            done->release();
-        },
-        Qt::QueuedConnection);
-    while (!done->tryAcquire(1, 20))
-        if (isCancelled()) return false;
-    return true;
 }
 
 }  // namespace velmora

@@ -22,10 +22,6 @@ public:
 
     static ThreadWorker* workOn(QObject* target, Work work, const QVariant& object, DidEnd didEnd);
 
-    // From the work: runs `call` on the target's thread and waits until it
-    // has run. Gives up (false) once the worker is cancelled, so that a target
-    // waiting for the worker cannot deadlock with it.
-    bool performOnTargetThreadAndWait(const std::function<void()>& call);
     // From the work: posts `call` to the target's thread without waiting.
     void performOnTargetThread(const std::function<void()>& call);
 
