@@ -79,13 +79,15 @@ protected:
     static std::string installed(const std::string& path) { return destDir() + path; }
 
     // An installed program run as an installed copy runs, with a private data folder,
-    // temporary folder and single-instance socket.
+    // temporary folder and single-instance socket, and the application log (which names
+    // missing helper programs) on standard error.
     static ProcessResult runInstalled(const std::string& root, std::vector<std::string> argv, int timeoutSeconds = 60) {
         argv[0] = root + argv[0];
         const std::string temporary = root + ".tmp";
         fs::create_directories(temporary);
         return runProcess(argv, optionsWith({"VELMORA_DATA_DIR=" + (*s_root / "data"), "TMPDIR=" + temporary,
-                                             "VELMORA_NO_UPDATE_CHECK=1", "QT_QPA_PLATFORM=offscreen"},
+                                             "VELMORA_NO_UPDATE_CHECK=1", "QT_QPA_PLATFORM=offscreen",
+                                             "QT_LOGGING_RULES=velmora.app.warning=true"},
                                             timeoutSeconds));
     }
 
