@@ -8,6 +8,7 @@
 #include "diskutil/Program.h"
 #include "diskutil/Volume.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -41,7 +42,7 @@ void mountWithFuse(const std::string& node, const FileSystemFormat& format, cons
                    const Owner& owner) {
     std::string options = format.fuseOptions.empty() ? "" : format.fuseOptions + ",";
     options += "fsname=" + node;
-    if (format.ownerByMountOption && owner.uid != 0) options += "," + ownerOptions(owner);
+    if (format.ownerByMountOption && owner.uid != 0) options.append(",").append(ownerOptions(owner));
     const ProgramResult result = runProgram({format.fuseProgram, "-o", options, node, folder});
     if (result.exitCode != 0 || !isMountPoint(folder, readMountTable())) {
         throw DiskUtilError("Could not mount " + node + " on " + folder + ": " + result.reason());
@@ -90,6 +91,15 @@ std::string freeMountFolder(const RemountPlan& plan, const std::string& volumeNa
     }
 }
 
+// A FUSE driver writes the file system's last changes after the unmount returned and lets
+// go of the device only then; a tool that writes the device before that (a new label, a
+// new file system) would race it and leave the two copies of the FAT differing. Another
+// program that keeps the device open is waited for 10 s at most; what comes next reports
+// its own error then.
+void waitForFuseDriverToEnd(const BlockDevice& device) {
+    for (int waited = 0; waited < 200 && !processesHoldingDevice(device.node).empty(); ++waited) usleep(50 * 1000);
+}
+
 }  // namespace
 
 RemountPlan planRemount(const Volume& volume) {
@@ -121,6 +131,8 @@ void unmountDevice(const BlockDevice& device) {
             throw DiskUtilError("Could not unmount " + device.node + " from " + mount->mountPoint + ": " + reason);
         }
     }
+    if (std::any_of(mounts.begin(), mounts.end(), [](const MountEntry& mount) { return mount.fsType.starts_with("fuse"); }))
+        waitForFuseDriverToEnd(device);
 }
 
 std::string mountAgain(const RemountPlan& plan, const BlockDevice& device, const FileSystemFormat& format,

@@ -44,6 +44,30 @@ bool mapsFileOnDevice(const fs::path& maps, dev_t device) {
     return false;
 }
 
+// The /proc link names the block device with this device number itself.
+bool linkIsDevice(const fs::path& link, dev_t device) {
+    struct stat info;
+    return stat(link.c_str(), &info) == 0 && S_ISBLK(info.st_mode) && info.st_rdev == device;
+}
+
+template <typename UseOf>
+std::vector<ProcessUser> processesWith(const UseOf& useOfProcess) {
+    std::vector<ProcessUser> users;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator("/proc", error)) {
+        const std::string name = entry.path().filename().string();
+        if (name.find_first_not_of("0123456789") != std::string::npos) continue;
+        const pid_t pid = static_cast<pid_t>(std::stol(name));
+        if (pid == getpid()) continue;
+        const std::string use = useOfProcess(entry.path());
+        if (use.empty()) continue;
+        std::string command;
+        std::getline(std::ifstream(entry.path() / "comm"), command);
+        users.push_back({pid, command, use});
+    }
+    return users;
+}
+
 std::string useOf(const fs::path& process, dev_t device) {
     std::error_code error;
     for (const auto& descriptor : fs::directory_iterator(process / "fd", error)) {
@@ -61,20 +85,19 @@ std::string useOf(const fs::path& process, dev_t device) {
 std::vector<ProcessUser> processesUsing(const std::string& majorMinor) {
     dev_t device = 0;
     if (!parseDeviceNumber(majorMinor, 10, device)) return {};
-    std::vector<ProcessUser> users;
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator("/proc", error)) {
-        const std::string name = entry.path().filename().string();
-        if (name.find_first_not_of("0123456789") != std::string::npos) continue;
-        const pid_t pid = static_cast<pid_t>(std::stol(name));
-        if (pid == getpid()) continue;
-        const std::string use = useOf(entry.path(), device);
-        if (use.empty()) continue;
-        std::string command;
-        std::getline(std::ifstream(entry.path() / "comm"), command);
-        users.push_back({pid, command, use});
-    }
-    return users;
+    return processesWith([device](const fs::path& process) { return useOf(process, device); });
+}
+
+std::vector<ProcessUser> processesHoldingDevice(const std::string& node) {
+    struct stat info;
+    if (stat(node.c_str(), &info) != 0 || !S_ISBLK(info.st_mode)) return {};
+    return processesWith([device = info.st_rdev](const fs::path& process) {
+        std::error_code error;
+        for (const auto& descriptor : fs::directory_iterator(process / "fd", error)) {
+            if (linkIsDevice(descriptor.path(), device)) return std::string("open device");
+        }
+        return std::string();
+    });
 }
 
 std::string describeUsers(const std::vector<ProcessUser>& users) {

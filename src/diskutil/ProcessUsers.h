@@ -18,6 +18,11 @@ struct ProcessUser {
 // program and mapped files under /proc. This process is left out.
 std::vector<ProcessUser> processesUsing(const std::string& majorMinor);
 
+// The processes other than this one that hold the block device node itself open, such as
+// the driver of a FUSE mount, which still writes the file system's last changes after
+// the unmount returned.
+std::vector<ProcessUser> processesHoldingDevice(const std::string& node);
+
 // "less (pid 812, open file), bash (pid 77, working folder)"
 std::string describeUsers(const std::vector<ProcessUser>& users);
 
