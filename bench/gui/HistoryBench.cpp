@@ -17,7 +17,8 @@ namespace {
 // written as a run writes them, in one transaction.
 void plantHistory(int entries) {
     sqlite3* database = nullptr;
-    if (sqlite3_open(DoDataBase::returnDoDataBase()->getDataBase().toUtf8().constData(), &database) != SQLITE_OK) return;
+    const QByteArray path = DoDataBase::returnDoDataBase()->getDataBase().toUtf8();
+    if (sqlite3_open(path.constData(), &database) != SQLITE_OK) return;
     sqlite3_exec(database,
                  "CREATE TABLE IF NOT EXISTS TimeBase (Time TEXT, Type TEXT);"
                  "CREATE TABLE IF NOT EXISTS BaseTable (Itmes TEXT, ErasureAlgorithm TEXT, Result TEXT, Time TEXT);"
@@ -32,7 +33,8 @@ void plantHistory(int entries) {
                                  const QByteArray& key) {
         const QByteArray values[] = {item, level, result, key};
         for (int column = 0; column < 4; ++column)
-            sqlite3_bind_text(row, column + 1, values[column].constData(), int(values[column].size()), SQLITE_TRANSIENT);
+            sqlite3_bind_text(row, column + 1, values[column].constData(), int(values[column].size()),
+                              SQLITE_TRANSIENT);
         sqlite3_step(row);
         sqlite3_reset(row);
     };

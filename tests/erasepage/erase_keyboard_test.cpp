@@ -262,9 +262,9 @@ private slots:
         save = history->findChild<QFileDialog*>();
         save->selectFile(m_scratch->filePath("report.html"));
         QTest::keyClick(save, Qt::Key_Return);  // saved under the name the panel showed
+        QTRY_VERIFY(history->exportPanel());  // once the report is written
         QVERIFY(QFileInfo::exists(m_scratch->filePath("report.html")));
         QVERIFY(!QFileInfo::exists(m_scratch->filePath("report.html.html")));
-        QVERIFY(history->exportPanel());
         press(Qt::Key_Escape);  // the "exported" note
         QTRY_VERIFY(!history->exportPanel());
         reactivate();

@@ -67,7 +67,8 @@ bool removeEntry(int folderFd, const std::string& name, const std::string& path)
     }
     if (unlinkat(folderFd, name.c_str(), S_ISDIR(seen.st_mode) ? AT_REMOVEDIR : 0) != 0)
         return problem(path, std::strerror(errno));
-    if (verbose) say(STDOUT_FILENO, "removed " + path + (S_ISLNK(seen.st_mode) ? " (symbolic link; its target is untouched)" : ""));
+    const char* link = S_ISLNK(seen.st_mode) ? " (symbolic link; its target is untouched)" : "";
+    if (verbose) say(STDOUT_FILENO, "removed " + path + link);
     return true;
 }
 

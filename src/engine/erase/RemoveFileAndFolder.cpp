@@ -10,8 +10,10 @@
 #include "srm/NoFollowPath.h"
 
 #include <QDebug>
+#include <QFutureWatcher>
 #include <QProcess>
 #include <QStringList>
+#include <QtConcurrent>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -114,15 +116,40 @@ void RemoveFileAndFolder::benginToTraskWithArr(const FileObjList& files) {
     m_allFilesArr = files;
     m_cancelled = false;
     m_itemCounts.clear();
-    for (const FileObj& file : files) m_itemCounts.append(EraseList::itemCount(file));
     m_itemTotal = 0;
-    for (int count : std::as_const(m_itemCounts)) m_itemTotal += count;
     m_itemsDone = 0;
+    ++m_runNumber;
     if (files.isEmpty()) {
         QMetaObject::invokeMethod(this, &RemoveFileAndFolder::doneErasing, Qt::QueuedConnection);
         return;
     }
-    emit removeProgress(m_itemTotal == 1 ? 80.0f : 0.0f, files.first().url, 0);
+    // Counting walks every chosen folder, which takes long for a large one: it runs on a
+    // worker thread, so that the thread of the engine (the window's) keeps answering.
+    m_counting = true;
+    const int run = m_runNumber;
+    auto* counter = new QFutureWatcher<QList<int>>(this);
+    connect(counter, &QFutureWatcher<QList<int>>::finished, this, [this, counter, run] {
+        counter->deleteLater();
+        if (run == m_runNumber) startCountedRun(counter->result());
+    });
+    counter->setFuture(QtConcurrent::run([files] {
+        QList<int> counts;
+        counts.reserve(files.size());
+        for (const FileObj& file : files) counts.append(EraseList::itemCount(file));
+        return counts;
+    }));
+}
+
+void RemoveFileAndFolder::startCountedRun(const QList<int>& counts) {
+    m_counting = false;
+    m_itemCounts = counts;
+    for (int count : counts) m_itemTotal += count;
+    if (m_cancelled) {
+        // Cancelled while counting: no item was touched.
+        emit removeObjEnd(m_results);
+        return;
+    }
+    emit removeProgress(m_itemTotal == 1 ? 80.0f : 0.0f, m_allFilesArr.first().url, 0);
     runTaskWithPath();
 }
 
@@ -180,9 +207,11 @@ void RemoveFileAndFolder::readToolProgress() {
     m_toolOutput.append(m_task->readAllStandardOutput());
     // Inside a folder the tool reports each item it removed (lines ended by NUL, so a
     // name may hold a line break); the record's own end is reported by doneErasing.
-    for (qsizetype end = m_toolOutput.indexOf('\0'); end >= 0; end = m_toolOutput.indexOf('\0')) {
-        const QByteArray line = m_toolOutput.left(end);
-        m_toolOutput.remove(0, end + 1);
+    // The lines read are dropped at once at the end, not one by one.
+    qsizetype start = 0;
+    for (qsizetype end = m_toolOutput.indexOf('\0'); end >= 0;
+         start = end + 1, end = m_toolOutput.indexOf('\0', start)) {
+        const QByteArray line = m_toolOutput.mid(start, end - start);
         if (!line.startsWith("removed ")) continue;
         if (line == "removed " + nativePath(m_results.last().url) + " (symbolic link; its target is untouched)")
             m_toolRemovedALink = true;
@@ -191,6 +220,7 @@ void RemoveFileAndFolder::readToolProgress() {
         const int done = m_itemsDone + m_itemsInRecord;
         emit removeProgress(progressFor(done), pathFromNative(line.mid(8)), done);
     }
+    m_toolOutput.remove(0, start);
 }
 
 void RemoveFileAndFolder::toolEnded(bool exitedNormally, int exitCode) {
@@ -266,8 +296,14 @@ void RemoveFileAndFolder::doneErasing() {
         runTaskWithPath();
         return;
     }
-    ::sync();
-    emit removeObjEnd(m_results);
+    // What was removed reaches the disk before the run reports its end. The flush can
+    // take long after many removals, so it runs on a worker thread.
+    auto* flush = new QFutureWatcher<void>(this);
+    connect(flush, &QFutureWatcher<void>::finished, this, [this, flush] {
+        flush->deleteLater();
+        emit removeObjEnd(m_results);
+    });
+    flush->setFuture(QtConcurrent::run([] { ::sync(); }));
 }
 
 }  // namespace velmora

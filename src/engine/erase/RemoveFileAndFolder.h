@@ -30,8 +30,11 @@ public:
     // started yet get no verdict.
     void isCancel();
     // How many items the current run touches: the records plus everything inside
-    // the folders among them. Progress counts these.
+    // the folders among them. Progress counts these; 0 until they are counted.
     int itemCount() const { return m_itemTotal; }
+    // True from the start of a run until its items are counted (on a worker thread);
+    // the first item starts after that.
+    bool isCounting() const { return m_counting; }
 
     // The erasure level to run at: the stored one, values below 1 read as 1.
     static int getEraserTimes();
@@ -50,6 +53,7 @@ signals:
     void removeObjEnd(const velmora::FileObjList& results);
 
 private:
+    void startCountedRun(const QList<int>& counts);
     void runTaskWithPath();
     void doneErasing();
     void launchSecureRemove(FileObj& file);
@@ -65,6 +69,8 @@ private:
     QProcess* m_task = nullptr;
     int m_index = 0;
     bool m_cancelled = false;
+    bool m_counting = false;
+    int m_runNumber = 0;       // a count that arrives for an earlier run is dropped
     QList<int> m_itemCounts;   // per record
     int m_itemTotal = 0;
     int m_itemsDone = 0;       // in the records before the current one

@@ -7,6 +7,7 @@
 #include "engine/platform/StandardPaths.h"
 
 #include <QDebug>
+#include <QHash>
 #include <QLoggingCategory>
 #include <QStringList>
 #include <sqlite3.h>
@@ -93,9 +94,13 @@ void DoDataBase::writePlistForHistoryWithArr(const FileObjList& items) {
     const QString key = HistoryKey::now();
     sqlite3* database = openDataBase(getDataBase());
     if (!database) return;
+    // One transaction: the rows of a long run reach the disk together, not one by one.
+    sqlite3_exec(database, "BEGIN;", nullptr, nullptr, nullptr);
     writeEntryAndHeader(database, key, kWipeFile);
     // The history is text to read: a byte of a name that is not text shows as U+FFFD.
     for (const FileObj& item : items) writeItemRow(database, displayPath(item.url), level, item.failStr, key);
+    if (sqlite3_exec(database, "COMMIT;", nullptr, nullptr, nullptr) != SQLITE_OK)
+        qCWarning(lcHistory, "write history: %s", sqlite3_errmsg(database));
     sqlite3_close(database);
 }
 
@@ -121,20 +126,36 @@ HistoryDic DoDataBase::readEntries(const char* entryQuery, const QStringList& va
     HistoryDic dictionary;
     sqlite3* database = openDataBase(getDataBase());
     if (!database) return dictionary;
+    QStringList keys;
     sqlite3_stmt* statement = prepare(database, entryQuery, values);
     if (statement) {
+        while (sqlite3_step(statement) == SQLITE_ROW) keys.append(columnText(statement, 0));
+    }
+    sqlite3_finalize(statement);
+    // The rows of all these entries in one pass over the table, in the order stored, rather
+    // than one search through the whole table per entry.
+    QHash<QString, HistoryRows> rowsByKey;
+    for (const QString& key : std::as_const(keys)) rowsByKey.insert(key, {});
+    statement = prepare(database, "select * from BaseTable");
+    if (statement) {
         while (sqlite3_step(statement) == SQLITE_ROW) {
-            const QString key = columnText(statement, 0);
-            qCInfo(lcHistory, "-:%s:-", qUtf8Printable(key));
-            dictionary.insert(key, getValueWith(database, key));
-            // The whole dictionary is logged after every entry; only format it
-            // when someone reads the log.
-            if (logDictionary && QLoggingCategory::defaultCategory()->isInfoEnabled())
-                qCInfo(lcHistory).nospace().noquote() << "dic:----" << dictionary;
+            const auto rows = rowsByKey.find(columnText(statement, 3));
+            if (rows == rowsByKey.end()) continue;
+            rows->append({{"Items", columnText(statement, 0)},
+                          {"Erasure Standard", columnText(statement, 1)},
+                          {"Result", columnText(statement, 2)}});
         }
     }
     sqlite3_finalize(statement);
     sqlite3_close(database);
+    for (const QString& key : std::as_const(keys)) {
+        qCInfo(lcHistory, "-:%s:-", qUtf8Printable(key));
+        dictionary.insert(key, rowsByKey.value(key));
+        // The whole dictionary is logged after every entry; only format it
+        // when someone reads the log.
+        if (logDictionary && QLoggingCategory::defaultCategory()->isInfoEnabled())
+            qCInfo(lcHistory).nospace().noquote() << "dic:----" << dictionary;
+    }
     return dictionary;
 }
 

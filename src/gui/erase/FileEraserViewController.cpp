@@ -57,6 +57,7 @@ constexpr int kContentTop = 100;
 // Set when a run added to the history, cleared when the history panel is opened.
 const QString kUnseenHistoryKey = "FileHistoryUnseen";
 constexpr int kSlideMs = 500;
+constexpr int kProgressRefreshMs = 50;
 
 // The size of the item itself: a link counts as the link, not its target.
 quint64 itemSize(const QString& path) {
@@ -82,6 +83,7 @@ FileEraserViewController::FileEraserViewController(MainWindowController* superDe
     : QWidget(parent),
       m_superDelegate(superDelegate),
       m_eraserTimer(new QTimer(this)),
+      m_progressRefresh(new QTimer(this)),
       m_model(new FileEraserTableModel(this)) {
     resize(MainWindowController::kPageWidth, MainWindowController::kPageHeight);
     createHeader();
@@ -92,6 +94,9 @@ FileEraserViewController::FileEraserViewController(MainWindowController* superDe
     m_historyPanel = new SlidePanel(this);
     m_eraserTimer->setInterval(1000);
     connect(m_eraserTimer, &QTimer::timeout, this, &FileEraserViewController::eraserTimeAction);
+    m_progressRefresh->setSingleShot(true);
+    m_progressRefresh->setInterval(kProgressRefreshMs);
+    connect(m_progressRefresh, &QTimer::timeout, this, &FileEraserViewController::showLatestProgress);
     updateHistoryButton();
     showMainView();
     returnSelectAllState();
@@ -580,6 +585,8 @@ void FileEraserViewController::makeSureToEraserSelectFiles() {
     connect(m_progressPanel, &FileEraserProgressViewController::cancelEraserButtonAction, this,
             &FileEraserViewController::cancelEraserButtonAction);
     doEraserSelectFiles();
+    // The first item starts once the chosen folders are counted.
+    if (m_engine->isCounting()) m_progressPanel->setRemoveProgress(2.0, "Counting items…", QString());
     m_progressPanel->open();
 }
 
@@ -602,8 +609,6 @@ void FileEraserViewController::doEraserSelectFiles() {
     m_eraserTimer->start();
     eraserTimeAction();
     m_engine->benginToTraskWithArr(eraseList);
-    // Progress counts every item the run touches, folder contents included.
-    m_eraseCount = m_engine->itemCount();
 }
 
 void FileEraserViewController::eraserTimeAction() {
@@ -619,10 +624,19 @@ QString FileEraserViewController::elapsedTimeText(int seconds) {
            twoDigits(seconds % 60);
 }
 
+// The tool reports every item it removed, thousands a second in a large folder: the
+// view shows the latest report a few times a second instead of each one.
 void FileEraserViewController::removeProgress(float progress, const QString& path, int index) {
-    if (!m_progressPanel) return;
-    m_progressPanel->setRemoveProgress(qMax(double(progress), 2.0), displayPath(path),
-                                       QString::asprintf("%d of %d items", index, m_eraseCount));
+    m_latestProgress = {progress, path, index};
+    if (!m_progressRefresh->isActive()) m_progressRefresh->start();
+}
+
+void FileEraserViewController::showLatestProgress() {
+    if (!m_progressPanel || !m_engine) return;
+    // Progress counts every item the run touches, folder contents included.
+    const QString round = QString::asprintf("%d of %d items", m_latestProgress.index, m_engine->itemCount());
+    m_progressPanel->setRemoveProgress(qMax(double(m_latestProgress.progress), 2.0), displayPath(m_latestProgress.path),
+                                       round);
 }
 
 void FileEraserViewController::haveFailEraser() { m_isFailedEraser = true; }
@@ -635,7 +649,7 @@ void FileEraserViewController::cancelShred() {
 }
 
 void FileEraserViewController::removeObjEnd(const FileObjList& results) {
-    if (m_progressPanel) m_progressPanel->close();
+    m_progressRefresh->stop();
     m_eraserTimer->stop();
 
     // Erased only when the engine erased the item (the tool succeeded) and nothing is
@@ -677,6 +691,20 @@ void FileEraserViewController::removeObjEnd(const FileObjList& results) {
     m_isFailedEraser = std::any_of(m_deleteErrorArr.cbegin(), m_deleteErrorArr.cend(),
                                    [](const FileObj& record) { return record.failStr != "Erased"; });
 
+    // The history is written on a worker thread (the database waits for the disk); the
+    // outcome shows once it is recorded.
+    auto* recording = new QFutureWatcher<void>(this);
+    connect(recording, &QFutureWatcher<void>::finished, this, [this, recording, remaining] {
+        recording->deleteLater();
+        showRunOutcome(remaining);
+    });
+    recording->setFuture(QtConcurrent::run([rows = m_deleteErrorArr] {
+        DoDataBase::returnDoDataBase()->writePlistForHistoryWithArr(rows);
+    }));
+}
+
+void FileEraserViewController::showRunOutcome(const FileObjList& remaining) {
+    if (m_progressPanel) m_progressPanel->close();
     if (m_isFailedEraser) {
         m_failPanel = new FileEraserFailViewController(m_deleteErrorArr, m_isCancel, this);
         m_failPanel->open();
@@ -684,8 +712,6 @@ void FileEraserViewController::removeObjEnd(const FileObjList& results) {
         m_successPanel = new FileEraserSuccessViewController(m_deleteErrorArr, this);
         m_successPanel->open();
     }
-
-    DoDataBase::returnDoDataBase()->writePlistForHistoryWithArr(m_deleteErrorArr);
     PublicUtilities::writeUpDataHistoryStr(DoDataBase::kWipeFileHistory, "1");
     UserDefaults::setInteger(kUnseenHistoryKey, 1);
     updateHistoryButton();

@@ -126,6 +126,9 @@ private:
     void showNotice(const QString& title, const QString& message);
     void startSorting();
     void eraserTimeAction();
+    void showLatestProgress();
+    // The end view of a run, once the run is in the history; `remaining` becomes the list.
+    void showRunOutcome(const FileObjList& remaining);
     void panelDidChangeToDirectory(QWidget* panel, const QString& folder);
     QString startFolder() const;
 
@@ -139,13 +142,18 @@ private:
     int m_sortAD = 0;
     bool m_isCancel = false;
     bool m_isFailedEraser = false;
-    int m_eraseCount = 0;
+    struct Progress {
+        float progress = 0;
+        QString path;
+        int index = 0;
+    } m_latestProgress;
     int m_eraserTimeR = 0;
     QString m_newPathStr;
     bool m_reopenPending = false;
 
     RemoveFileAndFolder* m_engine = nullptr;
     QTimer* m_eraserTimer;
+    QTimer* m_progressRefresh;  // shows the latest progress report
     FileEraserTableModel* m_model;
 
     QLabel* m_titleLabel = nullptr;

@@ -17,12 +17,15 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFutureWatcher>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <QtConcurrent>
 #include <algorithm>
+#include <memory>
 
 namespace velmora {
 namespace {
@@ -31,12 +34,18 @@ enum Column { Name, Type, State };
 
 bool isCaptionRow(const QTreeWidgetItem* row) { return row->parent() && row->text(Name) == "Items"; }
 
-// The row number of an outline row as it is shown, counting every visible row.
+// The row number of an outline row as it is shown, counting every visible row: the
+// entries above with their rows when expanded, then the rows above it in its own entry.
 int visibleRowNumber(QTreeWidgetItem* row) {
+    QTreeWidget* outline = row->treeWidget();
+    QTreeWidgetItem* entry = row->parent() ? row->parent() : row;
+    const int entryIndex = outline->indexOfTopLevelItem(entry);
     int number = 0;
-    for (QTreeWidgetItem* above = row->treeWidget()->itemAbove(row); above; above = row->treeWidget()->itemAbove(above))
-        ++number;
-    return number;
+    for (int index = 0; index < entryIndex; ++index) {
+        QTreeWidgetItem* above = outline->topLevelItem(index);
+        number += 1 + (above->isExpanded() ? above->childCount() : 0);
+    }
+    return row->parent() ? number + 1 + entry->indexOfChild(row) : number;
 }
 
 }  // namespace
@@ -121,52 +130,99 @@ HistoryConfirmViewController* HistoryViewController::confirmPanel() const { retu
 HistoryViewController* HistoryViewController::showIn(SlidePanel* container) {
     auto* history = new HistoryViewController;
     container->setContent(history);
-    history->getEraserHistory();
+    history->loadEraserHistory();
     container->setCancelButton(history->m_closeButton);
     container->slideIn();
     return history;
 }
 
-void HistoryViewController::getEraserHistory() {
-    m_historyDic = DoDataBase::returnDoDataBase()->getAllData();
-    m_historyAllArr = m_historyDic.keys();
+// The outline's rows, made apart from the outline (on the reading thread when the
+// history is loaded); rows never handed to the outline are deleted with this.
+struct HistoryViewController::OutlineRows {
+    HistoryDic history;
+    QStringList newestFirst;
+    QList<QTreeWidgetItem*> entries;
+    ~OutlineRows() { qDeleteAll(entries); }
+};
+
+std::shared_ptr<HistoryViewController::OutlineRows> HistoryViewController::makeOutlineRows(HistoryDic history) {
+    auto rows = std::make_shared<OutlineRows>();
+    rows->history = std::move(history);
+    rows->newestFirst = rows->history.keys();
     // Keys are timestamps of one fixed format: descending order is newest first.
-    std::sort(m_historyAllArr.begin(), m_historyAllArr.end(),
+    std::sort(rows->newestFirst.begin(), rows->newestFirst.end(),
               [](const QString& a, const QString& b) { return b.compare(a) < 0; });
+    const QFont entryFont = Style::boldFont(13);
+    const QFont captionFont = Style::boldFont(11);
+    const QFont rowFont = Style::regularFont(12);
+    rows->entries.reserve(rows->newestFirst.size());
+    for (const QString& key : std::as_const(rows->newestFirst)) {
+        auto* entry = new QTreeWidgetItem(QStringList{key, QString(), QString()});
+        entry->setFont(Name, entryFont);
+        entry->setForeground(Name, Style::kText);
+        for (const HistoryRow& values : rows->history.value(key)) {
+            auto* row = new QTreeWidgetItem(entry, {values.value("Items"), values.value("Erasure Standard"),
+                                                    values.value("Result")});
+            row->setToolTip(Name, values.value("Items"));
+            const bool caption = row->text(Name) == "Items";
+            for (int column = Name; column <= State; ++column) {
+                row->setFont(column, caption ? captionFont : rowFont);
+                row->setForeground(column, caption ? Style::kAccent : Style::kSecondaryText);
+            }
+        }
+        rows->entries.append(entry);
+    }
+    return rows;
+}
+
+void HistoryViewController::getEraserHistory() {
+    ++m_loadNumber;
+    m_loading = false;
+    showHistory(*makeOutlineRows(DoDataBase::returnDoDataBase()->getAllData()));
+}
+
+void HistoryViewController::loadEraserHistory() {
+    m_loading = true;
+    // Until the history is read the panel claims neither entries nor their absence.
+    m_noView->hide();
+    m_emptyAllButton->setEnabled(false);
+    const int load = ++m_loadNumber;
+    using Rows = std::shared_ptr<OutlineRows>;
+    auto* reader = new QFutureWatcher<Rows>(this);
+    connect(reader, &QFutureWatcher<Rows>::finished, this, [this, reader, load] {
+        reader->deleteLater();
+        if (load != m_loadNumber) return;
+        m_loading = false;
+        showHistory(*reader->result());
+    });
+    reader->setFuture(QtConcurrent::run([] { return makeOutlineRows(DoDataBase::returnDoDataBase()->getAllData()); }));
+}
+
+// The outline takes the rows over at once, then shows them expanded; only the selected
+// entry gets its buttons (refreshSelection).
+void HistoryViewController::showHistory(OutlineRows& rows) {
+    m_historyDic = rows.history;
+    m_historyAllArr = rows.newestFirst;
     m_keyClickStr.clear();
     m_selectCellIndex = -1;
-    reloadOutline();
+    {
+        const QSignalBlocker quiet(m_outlineView);
+        m_outlineView->clear();
+        m_buttonsEntry = nullptr;
+        m_colouredRow = nullptr;
+        m_outlineView->addTopLevelItems(rows.entries);
+        rows.entries.clear();
+        m_outlineView->expandAll();
+    }
+    refreshSelection();
+    // An outline that took the focus while it was still empty makes its first entry
+    // current now, as taking the focus does.
+    if (m_outlineView->hasFocus() && m_outlineView->topLevelItemCount() > 0)
+        m_outlineView->setCurrentItem(m_outlineView->topLevelItem(0));
     const bool empty = m_historyAllArr.isEmpty();
     m_outlineView->setVisible(!empty);
     m_noView->setVisible(empty);
     m_emptyAllButton->setEnabled(!empty);
-}
-
-void HistoryViewController::reloadOutline() {
-    const QSignalBlocker quiet(m_outlineView);
-    m_outlineView->clear();
-    for (const QString& key : std::as_const(m_historyAllArr)) {
-        auto* entry = new QTreeWidgetItem(m_outlineView, {key, QString(), QString()});
-        entry->setFont(Name, Style::boldFont(13));
-        auto* buttons = new HistoryDeleteTextFieldCell(key);
-        connect(buttons, &HistoryDeleteTextFieldCell::clickExportWithDate, this,
-                &HistoryViewController::clickExportWithDate);
-        connect(buttons, &HistoryDeleteTextFieldCell::clickDeleteWithDate, this, [this](const QString& date) {
-            askBeforeDeleting("Delete this entry?",
-                              QString("The record of the erasure of %1 is removed from the history.").arg(date),
-                              [this, date] { clickDeleteWithDate(date); });
-        });
-        m_outlineView->setItemWidget(entry, State, buttons);
-        for (const HistoryRow& values : m_historyDic.value(key)) {
-            auto* row = new QTreeWidgetItem(entry, {values.value("Items"), values.value("Erasure Standard"),
-                                                    values.value("Result")});
-            row->setToolTip(Name, values.value("Items"));
-            const QFont font = isCaptionRow(row) ? Style::boldFont(11) : Style::regularFont(12);
-            for (int column = Name; column <= State; ++column) row->setFont(column, font);
-        }
-    }
-    m_outlineView->expandAll();
-    refreshSelection();
 }
 
 void HistoryViewController::selectRow(QTreeWidgetItem* row) {
@@ -176,23 +232,37 @@ void HistoryViewController::selectRow(QTreeWidgetItem* row) {
     refreshSelection();
 }
 
-// Only the selected entry shows its buttons; rows drawn on the selection take
-// the selection's text colour.
+// Only the selected entry shows its buttons; the row drawn on the selection takes the
+// selection's text colour. Only the rows that change are touched, whatever the length.
 void HistoryViewController::refreshSelection() {
     QTreeWidgetItem* selected = m_outlineView->currentItem();
-    for (int index = 0; index < m_outlineView->topLevelItemCount(); ++index) {
-        QTreeWidgetItem* entry = m_outlineView->topLevelItem(index);
-        static_cast<HistoryDeleteTextFieldCell*>(m_outlineView->itemWidget(entry, State))
-            ->setButtonsVisible(entry == selected);
-        entry->setForeground(Name, Style::kText);
-        for (int child = 0; child < entry->childCount(); ++child) {
-            QTreeWidgetItem* row = entry->child(child);
-            const QColor colour = row == selected ? Style::kText
-                                  : isCaptionRow(row) ? Style::kAccent
-                                                      : Style::kSecondaryText;
-            for (int column = Name; column <= State; ++column) row->setForeground(column, colour);
+    QTreeWidgetItem* entry = selected && !selected->parent() ? selected : nullptr;
+    if (entry != m_buttonsEntry) {
+        if (m_buttonsEntry) m_outlineView->removeItemWidget(m_buttonsEntry, State);
+        m_buttonsEntry = entry;
+        if (entry) {
+            auto* buttons = new HistoryDeleteTextFieldCell(entry->text(Name));
+            connect(buttons, &HistoryDeleteTextFieldCell::clickExportWithDate, this,
+                    &HistoryViewController::clickExportWithDate);
+            connect(buttons, &HistoryDeleteTextFieldCell::clickDeleteWithDate, this, [this](const QString& date) {
+                askBeforeDeleting("Delete this entry?",
+                                  QString("The record of the erasure of %1 is removed from the history.").arg(date),
+                                  [this, date] { clickDeleteWithDate(date); });
+            });
+            m_outlineView->setItemWidget(entry, State, buttons);
         }
     }
+    if (m_colouredRow != selected) {
+        if (m_colouredRow) colourRow(m_colouredRow, false);
+        if (selected) colourRow(selected, true);
+        m_colouredRow = selected;
+    }
+}
+
+void HistoryViewController::colourRow(QTreeWidgetItem* row, bool selected) {
+    if (!row->parent()) return;  // an entry keeps its colour
+    const QColor colour = selected ? Style::kText : isCaptionRow(row) ? Style::kAccent : Style::kSecondaryText;
+    for (int column = Name; column <= State; ++column) row->setForeground(column, colour);
 }
 
 void HistoryViewController::askBeforeDeleting(const QString& title, const QString& message,
@@ -251,13 +321,16 @@ void HistoryViewController::getHistorySavePath() {
 
 void HistoryViewController::exportToChosenPath(const QString& chosenPath) {
     const QString path = HistoryReport::exportPath(chosenPath);
-    // The panel says whether the report was written; a failed write is never shown as saved.
-    m_exportPanel = new ExportViewController(path, writeHTML(path), this);
-    m_exportPanel->open();
-}
-
-bool HistoryViewController::writeHTML(const QString& path) {
-    return HistoryReport::writeHTML(path, m_keyClickStr, m_historyDic.value(m_keyClickStr));
+    // The report is written on a worker thread; the panel says whether it was, a failed
+    // write is never shown as saved.
+    auto* writer = new QFutureWatcher<bool>(this);
+    connect(writer, &QFutureWatcher<bool>::finished, this, [this, writer, path] {
+        writer->deleteLater();
+        m_exportPanel = new ExportViewController(path, writer->result(), this);
+        m_exportPanel->open();
+    });
+    writer->setFuture(
+        QtConcurrent::run(&HistoryReport::writeHTML, path, m_keyClickStr, m_historyDic.value(m_keyClickStr)));
 }
 
 }  // namespace velmora

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QWidget>
 #include <functional>
+#include <memory>
 
 class QPushButton;
 class QTreeWidget;
@@ -31,6 +32,9 @@ public:
 
     // (Re)loads every entry and redraws.
     void getEraserHistory();
+    // The same, with the history read on a worker thread; the outline fills when it is read.
+    void loadEraserHistory();
+    bool isLoading() const { return m_loading; }
     void selectRow(QTreeWidgetItem* row);
     // Delete and export act on the selected entry (`keyClickStr`).
     void clickDeleteWithDate(const QString& date);
@@ -39,9 +43,8 @@ public:
     void closeButtonAction();
     // The save panel; its choice goes to exportToChosenPath.
     void getHistorySavePath();
-    // Writes the report to the chosen path with ".html" appended and confirms.
+    // Writes the report to the chosen path with ".html" appended (on a worker thread) and confirms.
     void exportToChosenPath(const QString& chosenPath);
-    bool writeHTML(const QString& path);
 
     const HistoryDic& historyDic() const { return m_historyDic; }
     const QStringList& historyAllArr() const { return m_historyAllArr; }
@@ -57,8 +60,11 @@ signals:
     void closeHistoryView();
 
 private:
-    void reloadOutline();
+    struct OutlineRows;
+    static std::shared_ptr<OutlineRows> makeOutlineRows(HistoryDic history);
+    void showHistory(OutlineRows& rows);
     void refreshSelection();
+    void colourRow(QTreeWidgetItem* row, bool selected);
     void askBeforeDeleting(const QString& title, const QString& message, const std::function<void()>& action);
     void deleteSelectedEntry();
     void clearHistoryFlagsWhenEmpty();
@@ -67,6 +73,11 @@ private:
     QStringList m_historyAllArr;
     QString m_keyClickStr;
     int m_selectCellIndex = -1;
+    bool m_loading = false;
+    int m_loadNumber = 0;  // a read that arrives after a newer one started is dropped
+    // The entry that carries the export and delete buttons, and the row drawn as selected.
+    QTreeWidgetItem* m_buttonsEntry = nullptr;
+    QTreeWidgetItem* m_colouredRow = nullptr;
     QTreeWidget* m_outlineView;
     QWidget* m_noView;
     QPushButton* m_emptyAllButton;
