@@ -96,9 +96,8 @@ void DuplicateOutlineModel::selectionChanged(int first, int last) {
     if (first <= last) emit dataChanged(index(first, 0), index(last, ColumnCount - 1));
 }
 
-void DuplicateOutlineModel::sortGroups(DuplicateResults& results, int column, bool descending) {
-    if (m_results != &results) return;
-    std::vector<Group> groups = shownGroups();
+std::vector<Group> DuplicateOutlineModel::sortedGroups(const DuplicateResults& results, std::vector<Group> groups,
+                                                       int column, bool descending) {
     // One key per group, computed once: a name comparison would otherwise
     // build both names again at every step of the sort.
     std::vector<qint64> numbers(size_t(results.groupCapacity()));
@@ -123,7 +122,12 @@ void DuplicateOutlineModel::sortGroups(DuplicateResults& results, int column, bo
         return numbers[a] < numbers[b];
     };
     std::stable_sort(groups.begin(), groups.end(), [&](Group a, Group b) { return descending ? less(b, a) : less(a, b); });
-    applyTreeChange([&] { results.reorder(m_category, std::move(groups)); });
+    return groups;
+}
+
+void DuplicateOutlineModel::showOrder(DuplicateResults& results, std::vector<Group> order) {
+    if (m_results != &results) return;
+    applyTreeChange([&] { results.reorder(m_category, std::move(order)); });
 }
 
 QModelIndex DuplicateOutlineModel::index(int row, int column, const QModelIndex& parent) const {

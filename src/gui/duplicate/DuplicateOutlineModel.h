@@ -47,9 +47,14 @@ public:
     // Redraws the top rows from `first` to `last` (and the copies under
     // them) after selections or labels changed.
     void selectionChanged(int first, int last);
-    // Orders the groups by a column. The copies keep their order: the last
-    // copy of a group is the one select-all keeps.
-    void sortGroups(DuplicateResults& results, int column, bool descending);
+    // The groups in the order of a column; the copies keep their order (the
+    // last copy of a group is the one select-all keeps). Only reads the
+    // result, so it may run on another thread while the result is not changed.
+    static std::vector<DuplicateResults::Group> sortedGroups(const DuplicateResults& results,
+                                                             std::vector<DuplicateResults::Group> groups, int column,
+                                                             bool descending);
+    // Shows the groups in that order.
+    void showOrder(DuplicateResults& results, std::vector<DuplicateResults::Group> order);
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex& child) const override;

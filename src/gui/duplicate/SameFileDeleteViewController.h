@@ -136,6 +136,7 @@ private:
     std::unique_ptr<DuplicateFilesOpt> m_opt;
     std::unique_ptr<DuplicateResults> m_results;
     std::unique_ptr<DuplicateResults> m_foundResults;  // built by the search worker, taken over at its end
+    std::vector<DuplicateResults::Group> m_sortedGroups;  // written by the sorting worker, shown at its end
     int m_remberWitchSelect = 0;
     QList<DuplicateResults::Copy> m_removalLeaves;  // the copies being removed, in the selection's order
     QList<DuplicateResults::Copy> m_delNodesArr;    // those removed so far
