@@ -14,7 +14,6 @@
 #include "gui/widgets/MLCircularIndicator.h"
 #include "gui/widgets/Style.h"
 
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -106,14 +105,7 @@ QLayout* RepairDiskViewController::createTable() {
             [this](const QModelIndex& index) { selectVolumeButton(index.row()); });
     m_tableView->installEventFilter(this);
 
-    m_busyIndicator = new MLCircularIndicator(this, 48);
-    m_busyIndicator->setIndeterminate(true);
-    m_busyIndicator->hide();
-    // The busy indicator stands over the middle of the list.
-    auto* area = new QGridLayout;
-    area->addWidget(m_tableView, 0, 0);
-    area->addWidget(m_busyIndicator, 0, 0, Qt::AlignCenter);
-    return area;
+    return volumeTableArea(m_tableView, m_busyIndicator, this);
 }
 
 // "Eject" stands left of the mode's main button ("Rename" or "Format") at the right edge.

@@ -3,9 +3,11 @@
 #include "gui/erase/FileEraserTableDelegate.h"
 #include "gui/volumes/VolumeTableModel.h"
 #include "gui/widgets/ListTable.h"
+#include "gui/widgets/MLCircularIndicator.h"
 #include "gui/widgets/Style.h"
 
 #include <QFontMetrics>
+#include <QGridLayout>
 #include <QHeaderView>
 #include <QTableView>
 
@@ -48,6 +50,16 @@ void fitVolumeColumns(QTableView* table) {
         }
         header->resizeSection(column, qMax(VolumeTableModel::columnWidth(column), widest + kTextMargins));
     }
+}
+
+QLayout* volumeTableArea(QTableView* table, MLCircularIndicator*& busyIndicator, QWidget* parent) {
+    busyIndicator = new MLCircularIndicator(parent, 48);
+    busyIndicator->setIndeterminate(true);
+    busyIndicator->hide();
+    auto* area = new QGridLayout;
+    area->addWidget(table, 0, 0);
+    area->addWidget(busyIndicator, 0, 0, Qt::AlignCenter);
+    return area;
 }
 
 }  // namespace velmora

@@ -26,7 +26,6 @@
 #include "gui/widgets/SlidePanel.h"
 #include "gui/widgets/Style.h"
 
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -123,14 +122,7 @@ QLayout* WipeDiskViewController::createTable() {
             [this](const QModelIndex& index) { selectVolumeButton(index.row()); });
     m_tableView->installEventFilter(this);
 
-    m_busyIndicator = new MLCircularIndicator(this, 48);
-    m_busyIndicator->setIndeterminate(true);
-    m_busyIndicator->hide();
-    // The busy indicator stands over the middle of the list.
-    auto* area = new QGridLayout;
-    area->addWidget(m_tableView, 0, 0);
-    area->addWidget(m_busyIndicator, 0, 0, Qt::AlignCenter);
-    return area;
+    return volumeTableArea(m_tableView, m_busyIndicator, this);
 }
 
 QLayout* WipeDiskViewController::createFooter() {
