@@ -96,7 +96,7 @@ FileEraserViewController::FileEraserViewController(MainWindowController* superDe
     connect(m_eraserTimer, &QTimer::timeout, this, &FileEraserViewController::eraserTimeAction);
     m_progressRefresh->setSingleShot(true);
     m_progressRefresh->setInterval(kProgressRefreshMs);
-    connect(m_progressRefresh, &QTimer::timeout, this, &FileEraserViewController::showLatestProgress);
+    connect(m_progressRefresh, &QTimer::timeout, this, &FileEraserViewController::showPendingProgress);
     updateHistoryButton();
     showMainView();
     returnSelectAllState();
@@ -625,10 +625,18 @@ QString FileEraserViewController::elapsedTimeText(int seconds) {
 }
 
 // The tool reports every item it removed, thousands a second in a large folder: the
-// view shows the latest report a few times a second instead of each one.
+// view shows a report at once, then the latest one at most every 50 ms.
 void FileEraserViewController::removeProgress(float progress, const QString& path, int index) {
     m_latestProgress = {progress, path, index};
-    if (!m_progressRefresh->isActive()) m_progressRefresh->start();
+    m_progressPending = true;
+    if (!m_progressRefresh->isActive()) showPendingProgress();
+}
+
+void FileEraserViewController::showPendingProgress() {
+    if (!m_progressPending) return;
+    m_progressPending = false;
+    showLatestProgress();
+    m_progressRefresh->start();
 }
 
 void FileEraserViewController::showLatestProgress() {
@@ -650,6 +658,7 @@ void FileEraserViewController::cancelShred() {
 
 void FileEraserViewController::removeObjEnd(const FileObjList& results) {
     m_progressRefresh->stop();
+    m_progressPending = false;
     m_eraserTimer->stop();
 
     // Erased only when the engine erased the item (the tool succeeded) and nothing is

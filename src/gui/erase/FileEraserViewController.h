@@ -127,6 +127,7 @@ private:
     void startSorting();
     void eraserTimeAction();
     void showLatestProgress();
+    void showPendingProgress();
     // The end view of a run, once the run is in the history; `remaining` becomes the list.
     void showRunOutcome(const FileObjList& remaining);
     void panelDidChangeToDirectory(QWidget* panel, const QString& folder);
@@ -147,13 +148,14 @@ private:
         QString path;
         int index = 0;
     } m_latestProgress;
+    bool m_progressPending = false;  // a report came after the last one shown
     int m_eraserTimeR = 0;
     QString m_newPathStr;
     bool m_reopenPending = false;
 
     RemoveFileAndFolder* m_engine = nullptr;
     QTimer* m_eraserTimer;
-    QTimer* m_progressRefresh;  // shows the latest progress report
+    QTimer* m_progressRefresh;  // spaces the progress reports shown
     FileEraserTableModel* m_model;
 
     QLabel* m_titleLabel = nullptr;
