@@ -24,6 +24,9 @@ void benchShell(BenchContext& context);
 void benchEraseFiles(BenchContext& context);
 void benchHistory(BenchContext& context);
 void benchDuplicateFinder(BenchContext& context);
+void benchUninstaller(BenchContext& context);
+void benchInternetCleaner(BenchContext& context);
+void benchDriveCopy(BenchContext& context);
 
 }  // namespace velmora::bench
 
@@ -64,6 +67,9 @@ int main(int argc, char* argv[]) {
         {"Erase Files", benchEraseFiles},
         {"History", benchHistory},
         {"Duplicate Finder", benchDuplicateFinder},
+        {"Uninstaller", benchUninstaller},
+        {"Internet Cleaner", benchInternetCleaner},
+        {"Drive Copy", benchDriveCopy},
     };
     const QStringList only = parser.value("only").split(',', Qt::SkipEmptyParts);
     for (const auto& scenario : scenarios) {

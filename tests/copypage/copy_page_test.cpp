@@ -4,10 +4,12 @@
 // read listed in the details, and a copy stopped by the user.
 #include "support/KeyboardWalk.h"
 #include "support/FileAccessOverride.h"
+#include "support/HeldThreadPool.h"
 #include "support/LoopVolume.h"
 #include "support/TestFiles.h"
 #include "support/PanelScreenshot.h"
 #include "support/PageTestSupport.h"
+#include "engine/copy/Controller.h"
 #include "engine/copy/DiskCopyLogic.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/copy/CopyFailViewController.h"
@@ -363,6 +365,46 @@ private slots:
             QVERIFY(!m_page->copyProgressVC());
         }
         QVERIFY(cloneFolderIn(m_destinationMount).empty());
+    }
+
+    // Listing and measuring the source, and listing a folder when it is opened, run on the
+    // background queue: with the queue held the picker serves its events, still measuring
+    // or listing; freed, the rows arrive. A tick reaches every entry of the folder, one
+    // entry unticked leaves the folder partly ticked, and the picked size follows.
+    void pickingTreeListsOffThePageThread() {
+        QCOMPARE(mkdir((m_sourceMount + "/many").c_str(), 0755), 0);
+        for (int i = 0; i < 40; ++i) test::writeFile(m_sourceMount + "/many/file" + std::to_string(i), "12345");
+        Controller controller;
+        auto held = std::make_unique<test::HeldThreadPool>();
+        controller.eumeAllRootFileNodeWithRootArr(QString::fromStdString(m_sourceMount), false, true);
+        auto* picker = new SelectCopyFilesViewController(controller, "Source", true, m_window.get());
+        picker->open();
+        CopyFileTreeModel* model = picker->treeModel();
+        QVERIFY(test::postedEventIsServed());
+        QVERIFY(picker->isScanning());
+        QCOMPARE(model->rowCount(), 0);
+        held.reset();
+        QTRY_VERIFY_WITH_TIMEOUT(!picker->isScanning(), 20000);
+        QModelIndex folder;
+        for (int row = 0; row < model->rowCount(); ++row)
+            if (model->nodeOf(model->index(row, 0))->name == "many") folder = model->index(row, 0);
+        QVERIFY(folder.isValid());
+
+        held = std::make_unique<test::HeldThreadPool>();
+        picker->treeView()->expand(folder);
+        QVERIFY(test::postedEventIsServed());
+        QVERIFY(model->isListing(folder));
+        QCOMPARE(model->rowCount(folder), 0);
+        held.reset();
+        QTRY_COMPARE_WITH_TIMEOUT(model->rowCount(folder), 40, 20000);
+
+        QVERIFY(model->setData(folder, Qt::Checked, Qt::CheckStateRole));
+        QCOMPARE(model->index(39, 0, folder).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+        QCOMPARE(controller.selectedSize(), quint64(40 * 5));
+        QVERIFY(model->setData(model->index(7, 0, folder), Qt::Unchecked, Qt::CheckStateRole));
+        QCOMPARE(folder.data(Qt::CheckStateRole).toInt(), int(Qt::PartiallyChecked));
+        QCOMPARE(controller.selectedSize(), quint64(39 * 5));
+        picker->reject();
     }
 
     // No text of the page is cut at a large and the smallest window (and at scale 2 in

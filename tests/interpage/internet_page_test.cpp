@@ -16,6 +16,7 @@
 #include "support/BrowserProfiles.h"
 #include "support/ChildProcess.h"
 #include "support/FileAccessOverride.h"
+#include "support/HeldThreadPool.h"
 #include "support/PageTestSupport.h"
 
 #include <QApplication>
@@ -293,6 +294,37 @@ private slots:
         QCOMPARE(rows(chromeProfile() + "/History", "urls"), 3LL);
     }
 
+    // Looking for running browsers runs on the background queue, before a clean run and
+    // before a scan: with the queue held, the page serves its events, locked, and the
+    // question about the running browser comes only once the queue is free.
+    void runningBrowsersAreLookedForOffThePageThread() {
+        scanAndWait();
+        startBraveStandIn();
+        auto held = std::make_unique<test::HeldThreadPool>();
+        QTest::mouseClick(m_page->cleanButton(), Qt::LeftButton);
+        QVERIFY(test::postedEventIsServed());
+        QVERIFY(!m_page->closePanel());
+        QVERIFY(!m_page->isCanClick());
+        QVERIFY(sidebarLocked(*m_window));
+        held.reset();
+        QTRY_VERIFY(m_page->closePanel() && m_page->closePanel()->isVisible());
+        QTest::keyClick(m_page->closePanel(), Qt::Key_Escape);
+        QTRY_VERIFY(m_page->isCanClick());
+        QCOMPARE(m_page->views()->currentWidget(), m_page->resultView());
+        QCOMPARE(rows(braveProfile() + "/History", "urls"), 1LL);
+
+        held = std::make_unique<test::HeldThreadPool>();
+        QTest::mouseClick(m_page->scanButton(), Qt::LeftButton);
+        QVERIFY(test::postedEventIsServed());
+        QVERIFY(!m_page->closePanel());
+        QCOMPARE(m_page->views()->currentWidget(), m_page->scanningView());
+        held.reset();
+        QTRY_VERIFY(m_page->closePanel() && m_page->closePanel()->isVisible());
+        QTest::keyClick(m_page->closePanel(), Qt::Key_Escape);
+        QTRY_COMPARE(m_page->views()->currentWidget(), m_page->startView());
+        QVERIFY(m_page->isCanClick());
+    }
+
     // Before a scan: Cancel scans nothing.
     void cancelBeforeScanScansNothing() {
         startBraveStandIn();
@@ -316,8 +348,9 @@ private slots:
             test::WithoutFileAccessOverride asUser;
             QVERIFY(asUser.active());
             QTest::mouseClick(m_page->scanButton(), Qt::LeftButton);
+            // The folders are probed on this thread once the running browsers are known.
+            QTRY_VERIFY(m_page->accessPanel() && m_page->accessPanel()->isVisible());
         }
-        QTRY_VERIFY(m_page->accessPanel() && m_page->accessPanel()->isVisible());
         QVERIFY2(m_page->accessPanel()->messageText().startsWith(opera + " could not be listed ("),
                  qPrintable(m_page->accessPanel()->messageText()));
         QCOMPARE(m_page->views()->currentWidget(), m_page->scanningView());

@@ -19,10 +19,12 @@
 #include "gui/widgets/Style.h"
 #include "support/ChildProcess.h"
 #include "support/FakeAppTrees.h"
+#include "support/HeldThreadPool.h"
 #include "support/PageTestSupport.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -284,6 +286,9 @@ private slots:
     void perRowRemoveOfARunningApplicationWithAFailure() {
         m_running = test::spawnQuietly({home("Applications/Zed-0.9-x86_64.AppImage"), "60"});
         QVERIFY(m_running > 0);
+        // The child runs the application once it has replaced itself with it.
+        QTRY_COMPARE(QFile::symLinkTarget(QString("/proc/%1/exe").arg(m_running)),
+                     QString::fromStdString(home("Applications/Zed-0.9-x86_64.AppImage")));
         const bool pinned = test::setImmutable(home(".config/Zed/settings.json"), true);
         QTest::keyClicks(m_page->searchField(), "ze");
         clickCell(m_page->tableView(), 0, UninstallTableModel::Uninstall);
@@ -365,6 +370,33 @@ private slots:
         QTRY_VERIFY(!panel->isVisible());
         QVERIFY(!m_page->progressPanel());
         QCOMPARE(sortedNames(), QStringList({"Go", "Krita", "Plain Editor", "Zed"}));
+    }
+
+    // Scanning the applications and gathering the related files run on the background
+    // queue: with the queue held, the page still serves its events, locked and waiting;
+    // once the queue is free the list and then the confirmation appear.
+    void scanAndRelatedFilesRunOffThePageThread() {
+        auto held = std::make_unique<test::HeldThreadPool>();
+        m_page->refButtonAction();
+        QVERIFY(test::postedEventIsServed());
+        QVERIFY(m_page->isScan());
+        QVERIFY(m_page->showListArr().isEmpty());
+        held.reset();
+        QTRY_VERIFY_WITH_TIMEOUT(!m_page->isScan(), kTimeoutMs);
+        QCOMPARE(sortedNames(), QStringList({"Go", "Krita", "Plain Editor", "Zed"}));
+
+        tick("Go");
+        held = std::make_unique<test::HeldThreadPool>();
+        m_page->uninstallAppButtonAction();
+        QVERIFY(test::postedEventIsServed());
+        QVERIFY(!m_page->makeSurePanel());
+        QVERIFY(!m_page->isCanClick());
+        QVERIFY(sidebarLocked(*m_window));
+        held.reset();
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->makeSurePanel() && m_page->makeSurePanel()->isVisible(), kTimeoutMs);
+        QCOMPARE(m_page->makeSurePanel()->treeModel()->index(0, 0).data().toString(), QString("Go"));
+        m_page->makeSurePanel()->reject();
+        QTRY_VERIFY(m_page->isCanClick());
     }
 
 private:

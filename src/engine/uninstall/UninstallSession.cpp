@@ -73,10 +73,14 @@ QString UninstallSession::groupSizeText(int group) const {
     return CommUti::convertVolSpace(qint64(total));
 }
 
-QStringList UninstallSession::runningApplications() const {
+QStringList UninstallSession::runningApplications() const { return runningApplicationsOf(m_allRelaltedFiles); }
+
+QStringList UninstallSession::runningApplicationsOf(const QList<AMAppItemList>& groups) {
+    const QStringList executables = RunningApplications::runningExecutables();
     QStringList names;
-    for (const AMAppItemList& group : m_allRelaltedFiles)
-        if (!group.isEmpty() && RunningApplications::isRunning(*group.first())) names.append(displayPath(group.first()->name));
+    for (const AMAppItemList& group : groups)
+        if (!group.isEmpty() && RunningApplications::isRunning(*group.first(), executables))
+            names.append(displayPath(group.first()->name));
     return names;
 }
 

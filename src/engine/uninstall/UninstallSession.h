@@ -43,6 +43,8 @@ public:
 
     // The running applications among the groups ("Quit it first"), by display name.
     QStringList runningApplications() const;
+    // The same for groups not yet in a session (reads the processes once; any thread).
+    static QStringList runningApplicationsOf(const QList<AMAppItemList>& groups);
 
     // Starts removing the ticked records (nothing when none is ticked); returns at once.
     void doRemove();

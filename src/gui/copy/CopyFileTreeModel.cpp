@@ -23,7 +23,7 @@ CopyFileTreeModel::CopyFileTreeModel(Controller& controller, QObject* parent)
     connect(&controller, &Controller::childrenListed, this, &CopyFileTreeModel::childrenListed);
     // Ticks change states only: the rows stay, their check boxes are drawn again.
     connect(&controller, &Controller::treeChanged, this, [this] {
-        if (!m_rootsTimer.isActive()) ticksChanged({});
+        if (!m_rootsTimer.isActive()) ticksChanged();
     });
 }
 
@@ -113,13 +113,17 @@ void CopyFileTreeModel::childrenListed(FileNode* node) {
     emit dataChanged(index(parent.row(), Name, parent.parent()), index(parent.row(), Size, parent.parent()));
 }
 
-void CopyFileTreeModel::ticksChanged(const QModelIndex& parent) {
-    const int rows = rowCount(parent);
-    if (rows == 0) return;
-    emit dataChanged(index(0, Name, parent), index(rows - 1, Name, parent), {Qt::CheckStateRole});
-    for (int row = 0; row < rows; ++row) {
-        const QModelIndex child = index(row, Name, parent);
-        if (m_shownChildren.contains(nodeOf(child))) ticksChanged(child);
+// One change per list the view knows (the top level and each opened folder), not per row:
+// ticking a folder of many thousand entries costs the same as one of ten.
+void CopyFileTreeModel::ticksChanged() {
+    const auto listChanged = [this](const QModelIndex& parent) {
+        const int rows = rowCount(parent);
+        if (rows > 0) emit dataChanged(index(0, Name, parent), index(rows - 1, Name, parent), {Qt::CheckStateRole});
+    };
+    listChanged({});
+    for (const FileNode* folder : std::as_const(m_shownChildren)) {
+        const QModelIndex parent = indexOf(folder);
+        if (parent.isValid()) listChanged(parent);
     }
 }
 

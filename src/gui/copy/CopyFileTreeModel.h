@@ -44,7 +44,7 @@ private:
     int rowOf(const FileNode* node) const;
     void takeRoots();
     void childrenListed(FileNode* node);
-    void ticksChanged(const QModelIndex& parent);
+    void ticksChanged();
 
     Controller& m_controller;
     FileNodeList m_roots;                 // the top level as last shown

@@ -254,20 +254,32 @@ void InternetViewController::checkOpenBrower() {
     m_isClose = false;
     m_allOpenId.clear();
     m_noticeLabel->hide();
-    setBusy(true);
-    m_allOpenId = RunningBrowsers::checkOpenBrower();
-    if (m_allOpenId.isEmpty())
-        getBrowserArr();
-    else
-        showClosePanel();
+    showScanningView();
+    findRunningBrowsers([] { return RunningBrowsers::checkOpenBrower(); }, [this] {
+        if (m_allOpenId.isEmpty())
+            getBrowserArr();
+        else
+            showClosePanel();
+    });
 }
 
 void InternetViewController::getBrowserArr() {
+    showScanningView();
+    if (!showAccessPanelIfNeeded([this] { scanCatalogue(); })) scanCatalogue();
+}
+
+void InternetViewController::showScanningView() {
     setBusy(true);
     m_scanningLabel->setText("Looking for browsers");
     m_scanIndicator->setIndeterminate(true);
     m_views->setCurrentWidget(m_scanningView);
-    if (!showAccessPanelIfNeeded([this] { scanCatalogue(); })) scanCatalogue();
+}
+
+// A scan that ends before listing anything (its close question cancelled, or a quit)
+// goes back to the start view; a clean run stays on the results.
+void InternetViewController::endWithoutScan() {
+    if (m_views->currentWidget() == m_scanningView) m_views->setCurrentWidget(m_startView);
+    setBusy(false);
 }
 
 void InternetViewController::scanCatalogue() {
@@ -359,6 +371,24 @@ void InternetViewController::backButtonAction() {
 
 // ---- Running browsers --------------------------------------------------------
 
+// Reading every process and matching it against the catalogue's programs takes long on
+// a busy machine: it runs on the background queue while the page stays locked. The
+// entries it reads do not change meanwhile (the page is locked). A quit asked for
+// meanwhile ends the request there.
+void InternetViewController::findRunningBrowsers(const std::function<QList<RunningBrowser>()>& find,
+                                                 const std::function<void()>& then) {
+    auto* watcher = new QFutureWatcher<QList<RunningBrowser>>(this);
+    connect(watcher, &QFutureWatcher<QList<RunningBrowser>>::finished, this, [this, watcher, then] {
+        watcher->deleteLater();
+        m_allOpenId = watcher->result();
+        if (m_stopRequested)
+            endWithoutScan();
+        else
+            then();
+    });
+    watcher->setFuture(QtConcurrent::run(find));
+}
+
 void InternetViewController::showClosePanel() {
     m_closePanel = new CloseBrowerViewController(RunningBrowsers::joinedNames(m_allOpenId), this);
     connect(m_closePanel, &QDialog::finished, this, &InternetViewController::closePanelEnded);
@@ -369,7 +399,7 @@ void InternetViewController::showClosePanel() {
 // cleaned in this pass, the user presses Clean again. "Cancel" ends here.
 void InternetViewController::closePanelEnded(int code) {
     if (code != QDialog::Accepted) {
-        setBusy(false);
+        endWithoutScan();
         return;
     }
     m_isClose = true;
@@ -402,11 +432,13 @@ void InternetViewController::cleanButtonAction() {
     m_noticeLabel->hide();
     setBusy(true);
     m_isClose = false;
-    m_allOpenId = RunningBrowsers::checkOpenBrower(m_browserArr);
-    if (m_allOpenId.isEmpty())
-        cleanBrowerFiles();
-    else
-        showClosePanel();
+    m_allOpenId.clear();
+    findRunningBrowsers([browserArr = m_browserArr] { return RunningBrowsers::checkOpenBrower(browserArr); }, [this] {
+        if (m_allOpenId.isEmpty())
+            cleanBrowerFiles();
+        else
+            showClosePanel();
+    });
 }
 
 // Safari's data (and on Linux any browser folder) may be unreadable: the

@@ -88,6 +88,9 @@ private:
     QTableView* createTable(QAbstractItemModel* model, const QList<int>& columnWidths);
     void setBusy(bool busy);
     void browserArrReady(const BrowserArr& browserArr);
+    void showScanningView();
+    void endWithoutScan();
+    void findRunningBrowsers(const std::function<QList<RunningBrowser>()>& find, const std::function<void()>& then);
     void showClosePanel();
     void closePanelEnded(int code);
     void closeRunningBrowsers();

@@ -14,7 +14,8 @@
 
 namespace velmora {
 
-MakeSureUninstallViewController::MakeSureUninstallViewController(UninstallSession* session, QWidget* parent)
+MakeSureUninstallViewController::MakeSureUninstallViewController(UninstallSession* session, const QStringList& running,
+                                                                 QWidget* parent)
     : MAAttachedWindow(parent, {680, 480}),
       m_session(session),
       m_model(new UninstallTreeModel(session, this)),
@@ -43,7 +44,6 @@ MakeSureUninstallViewController::MakeSureUninstallViewController(UninstallSessio
     m_runningLabel->setWordWrap(true);
     m_runningLabel->setTextFormat(Qt::PlainText);
     m_runningLabel->setStyleSheet("color: #F0C060;");
-    const QStringList running = session->runningApplications();
     m_runningLabel->setText(running.isEmpty() ? QString()
                                               : QString("%1 %2 running. Quit it first: an application removed "
                                                         "while it runs can lose what it has not saved.")

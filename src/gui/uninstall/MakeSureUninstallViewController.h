@@ -17,11 +17,12 @@ class UninstallTreeModel;
 // marked. A running application is named with "Quit it first". "Cancel" (also Enter and
 // Escape) closes it; "Uninstall" reports clickedDeleteBtn and is enabled only while
 // something is ticked, and takes a click or Space once the focus is on it. The session
-// belongs to the caller.
+// belongs to the caller; `running` names its running applications (read in the
+// background with the related files, so that opening the panel reads no processes).
 class MakeSureUninstallViewController : public MAAttachedWindow {
     Q_OBJECT
 public:
-    MakeSureUninstallViewController(UninstallSession* session, QWidget* parent);
+    MakeSureUninstallViewController(UninstallSession* session, const QStringList& running, QWidget* parent);
 
     // A click on a row's box (what the view reports).
     void selectRemoveLanguage(const QModelIndex& index);

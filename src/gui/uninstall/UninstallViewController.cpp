@@ -406,10 +406,12 @@ void UninstallViewController::collectRelatedFiles(const AMAppItemList& applicati
     for (const AMAppItemPtr& item : applications) records.append(*item);
     AMAppItemList installed;
     for (const AMAppItemPtr& item : m_inventory->allApplications()) installed.append(AMAppItemPtr::create(*item));
-    auto* watcher = new QFutureWatcher<QList<AMAppItemList>>(this);
-    connect(watcher, &QFutureWatcher<QList<AMAppItemList>>::finished, this, [this, watcher] {
+    using Found = QPair<QList<AMAppItemList>, QStringList>;  // the groups and the running applications
+    auto* watcher = new QFutureWatcher<Found>(this);
+    connect(watcher, &QFutureWatcher<Found>::finished, this, [this, watcher] {
         watcher->deleteLater();
-        showSelectListWindiwWith(watcher->result());
+        const Found found = watcher->result();
+        showSelectListWindiwWith(found.first, found.second);
     });
     m_scanningLabel->setText("Looking for related files…");
     m_scanningLabel->show();
@@ -417,11 +419,13 @@ void UninstallViewController::collectRelatedFiles(const AMAppItemList& applicati
         QList<AMAppItemList> groups;
         for (const AMAppItem& record : records)
             groups.append(RelatedAppFilesScanner::relatedFilesToApplication(record, installed));
-        return groups;
+        const QStringList running = UninstallSession::runningApplicationsOf(groups);
+        return Found{groups, running};
     }));
 }
 
-void UninstallViewController::showSelectListWindiwWith(const QList<AMAppItemList>& allRelaltedFiles) {
+void UninstallViewController::showSelectListWindiwWith(const QList<AMAppItemList>& allRelaltedFiles,
+                                                       const QStringList& running) {
     m_scanningLabel->hide();
     m_scanningLabel->setText("Scanning…");
     if (m_stopRequested) {
@@ -432,7 +436,7 @@ void UninstallViewController::showSelectListWindiwWith(const QList<AMAppItemList
     if (m_session) m_session->deleteLater();
     m_session = new UninstallSession(allRelaltedFiles, this);
     m_session->tickPreTicked();
-    m_makeSure = new MakeSureUninstallViewController(m_session, this);
+    m_makeSure = new MakeSureUninstallViewController(m_session, running, this);
     connect(m_makeSure, &MakeSureUninstallViewController::clickedDeleteBtn, this,
             &UninstallViewController::clickedDeleteBtn);
     connect(m_makeSure, &QDialog::rejected, this, [this] { setBusy(false); });

@@ -45,7 +45,7 @@ public:
     void changeSelectAllButtonState();
     void uninstallAppButtonAction();
     void oneAppRemove(int row);
-    void showSelectListWindiwWith(const QList<AMAppItemList>& allRelaltedFiles);
+    void showSelectListWindiwWith(const QList<AMAppItemList>& allRelaltedFiles, const QStringList& running);
     void completeCleanRelatedFiles();
     // Quitting during a job: an open confirmation is cancelled; a removal under way is not
     // cut off halfway (a package manager may be in the middle of a transaction), it ends
