@@ -25,6 +25,7 @@ struct AMAppItem {
     QString isSystemAppStr = "NO";
     QString size = "0KB";   // convertVolSpace text once computed
     bool bIsGetSize = false;
+    bool isFolder = false;  // a real folder (not a link to one) when the record was made
 
     AppKind kind = AppKind::File;
     QString installation;   // Flatpak: "user" or "system"

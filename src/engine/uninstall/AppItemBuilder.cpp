@@ -125,6 +125,7 @@ AMAppItemPtr RelatedAppFilesScanner::getAppItemWithFilePath(const QString& path,
     item->name = lastComponent(path);
     item->date = creationDate(path);
     const bool folder = isFolder(path);
+    item->isFolder = folder;
     const QString extension = item->name.section('.', -1);
     if (folder && item->name.contains('.') && kBundleExtensions.contains(extension)) item->name.chop(extension.size() + 1);
     if (StandardPaths::layout() == StandardPaths::Layout::MacOS || path.endsWith(".app")) {

@@ -6,7 +6,6 @@
 #include "gui/duplicate/DuplicateOutlineModel.h"
 #include "gui/widgets/Style.h"
 
-#include <sys/stat.h>
 
 namespace velmora {
 namespace {
@@ -20,11 +19,6 @@ QString checkImage(UninstallSession::TickState state) {
     case UninstallSession::TickState::Election: return "checkbox_election";
     default: return "checkbox_no";
     }
-}
-
-bool isFolder(const QString& path) {
-    struct stat info {};
-    return ::lstat(nativePath(path).constData(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 // A file row names the whole path, the home folder written "~" (two leftovers may share
@@ -115,7 +109,8 @@ QVariant UninstallTreeModel::data(const QModelIndex& index, int role) const {
     case DuplicateOutlineModel::IconImageRole:
         if (index.column() != Name) return {};
         if (isGroup || row == 0) return "ic_application";
-        return item && isFolder(item->path) ? "ic_folder" : "ic_file";
+        // Known from when the record was found: drawing a row reads nothing from the disk.
+        return item && item->isFolder ? "ic_folder" : "ic_file";
     default: return {};
     }
 }
