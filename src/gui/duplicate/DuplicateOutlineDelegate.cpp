@@ -4,6 +4,7 @@
 #include "gui/widgets/Style.h"
 
 #include <QPainter>
+#include <QPixmapCache>
 #include <QSvgRenderer>
 #include <QTreeView>
 
@@ -18,9 +19,24 @@ QRect centredSquare(int left, const QRect& cell, int side) {
     return {left, cell.center().y() - side / 2 + 1, side, side};
 }
 
+// Each image is rendered once per size and screen scale and then copied: reading
+// and rendering the SVG file for every row at every repaint held the window.
 void renderImage(QPainter* painter, const QString& name, const QRect& target) {
-    QSvgRenderer renderer(Style::imagePath(name));
-    renderer.render(painter, QRectF(target));
+    const qreal scale = painter->device()->devicePixelRatioF();
+    const QString key =
+        QString("duplicate-outline/%1/%2x%3@%4").arg(name).arg(target.width()).arg(target.height()).arg(scale);
+    QPixmap image;
+    if (!QPixmapCache::find(key, &image)) {
+        image = QPixmap(target.size() * scale);
+        image.setDevicePixelRatio(scale);
+        image.fill(Qt::transparent);
+        QPainter imagePainter(&image);
+        imagePainter.setRenderHint(QPainter::Antialiasing);
+        QSvgRenderer(Style::imagePath(name)).render(&imagePainter, QRectF(QPointF(0, 0), QSizeF(target.size())));
+        imagePainter.end();
+        QPixmapCache::insert(key, image);
+    }
+    painter->drawPixmap(target.topLeft(), image);
 }
 
 }  // namespace

@@ -21,6 +21,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QtConcurrent>
@@ -31,6 +32,9 @@ namespace velmora {
 namespace {
 
 enum Column { Name, Type, State };
+
+// Entries (with their rows) the outline takes per event-loop turn from a loaded history.
+constexpr qsizetype kEntriesPerTurn = 500;
 
 bool isCaptionRow(const QTreeWidgetItem* row) { return row->parent() && row->text(Name) == "Items"; }
 
@@ -142,7 +146,8 @@ struct HistoryViewController::OutlineRows {
     HistoryDic history;
     QStringList newestFirst;
     QList<QTreeWidgetItem*> entries;
-    ~OutlineRows() { qDeleteAll(entries); }
+    qsizetype handedOver = 0;  // entries before this one belong to the outline
+    ~OutlineRows() { qDeleteAll(entries.begin() + handedOver, entries.end()); }
 };
 
 std::shared_ptr<HistoryViewController::OutlineRows> HistoryViewController::makeOutlineRows(HistoryDic history) {
@@ -192,28 +197,54 @@ void HistoryViewController::loadEraserHistory() {
     connect(reader, &QFutureWatcher<Rows>::finished, this, [this, reader, load] {
         reader->deleteLater();
         if (load != m_loadNumber) return;
-        m_loading = false;
-        showHistory(*reader->result());
+        const Rows rows = reader->result();
+        startShowing(*rows);
+        handOverInTurns(rows, load);
     });
     reader->setFuture(QtConcurrent::run([] { return makeOutlineRows(DoDataBase::returnDoDataBase()->getAllData()); }));
 }
 
-// The outline takes the rows over at once, then shows them expanded; only the selected
-// entry gets its buttons (refreshSelection).
 void HistoryViewController::showHistory(OutlineRows& rows) {
+    startShowing(rows);
+    handOver(rows, rows.entries.size());
+    finishShowing();
+}
+
+void HistoryViewController::startShowing(OutlineRows& rows) {
     m_historyDic = rows.history;
     m_historyAllArr = rows.newestFirst;
     m_keyClickStr.clear();
     m_selectCellIndex = -1;
-    {
-        const QSignalBlocker quiet(m_outlineView);
-        m_outlineView->clear();
-        m_buttonsEntry = nullptr;
-        m_colouredRow = nullptr;
-        m_outlineView->addTopLevelItems(rows.entries);
-        rows.entries.clear();
-        m_outlineView->expandAll();
+    const QSignalBlocker quiet(m_outlineView);
+    m_outlineView->clear();
+    m_buttonsEntry = nullptr;
+    m_colouredRow = nullptr;
+}
+
+// The outline lays out every row it holds after each insertion: a long history goes
+// over in parts, one per event-loop turn, so that the window keeps answering meanwhile.
+void HistoryViewController::handOverInTurns(const std::shared_ptr<OutlineRows>& rows, int load) {
+    if (load != m_loadNumber) return;
+    handOver(*rows, kEntriesPerTurn);
+    if (rows->handedOver < rows->entries.size()) {
+        QTimer::singleShot(0, this, [this, rows, load] { handOverInTurns(rows, load); });
+        return;
     }
+    m_loading = false;
+    finishShowing();
+}
+
+// Entries are added expanded: while the outline's layout is pending, expanding only notes it.
+void HistoryViewController::handOver(OutlineRows& rows, qsizetype count) {
+    const QList<QTreeWidgetItem*> part = rows.entries.mid(rows.handedOver, count);
+    rows.handedOver += part.size();
+    const QSignalBlocker quiet(m_outlineView);
+    m_outlineView->addTopLevelItems(part);
+    for (QTreeWidgetItem* entry : part) entry->setExpanded(true);
+}
+
+// Only the selected entry gets its buttons (refreshSelection).
+void HistoryViewController::finishShowing() {
     refreshSelection();
     // An outline that took the focus while it was still empty makes its first entry
     // current now, as taking the focus does.

@@ -63,6 +63,10 @@ private:
     struct OutlineRows;
     static std::shared_ptr<OutlineRows> makeOutlineRows(HistoryDic history);
     void showHistory(OutlineRows& rows);
+    void startShowing(OutlineRows& rows);
+    void handOverInTurns(const std::shared_ptr<OutlineRows>& rows, int load);
+    void handOver(OutlineRows& rows, qsizetype count);
+    void finishShowing();
     void refreshSelection();
     void colourRow(QTreeWidgetItem* row, bool selected);
     void askBeforeDeleting(const QString& title, const QString& message, const std::function<void()>& action);
