@@ -1,6 +1,7 @@
 // The heavy steps of the Erase Files page and its history panel run off the window's
 // thread: right after each is started the window is free again, the page shows that the
 // work is under way, and an event posted meanwhile is served before the work ends.
+#include "support/HistoryEntries.h"
 #include "support/PageTestSupport.h"
 #include "engine/history/DoDataBase.h"
 #include "gui/erase/FileEraserFailViewController.h"
@@ -118,6 +119,40 @@ private slots:
         QFile report(target.filePath("report.html"));
         QVERIFY(report.open(QIODevice::ReadOnly));
         QVERIFY(report.readAll().contains("/home/anna/report.pdf"));
+    }
+
+    // A long history reaches the outline in parts: an event posted when the first part
+    // arrives is served before the outline holds every entry.
+    void longHistoryReachesTheOutlineInParts() {
+        const int entries = 1500;
+        const std::string newest =
+            test::plantHistoryEntries(DoDataBase::returnDoDataBase()->getDataBase().toStdString(), entries, 2);
+        QVERIFY(!newest.empty());
+        QWidget page;
+        page.resize(900, 640);
+        SlidePanel container(&page);
+        page.show();
+
+        HistoryViewController* history = HistoryViewController::showIn(&container);
+        QTreeWidget* outline = history->outlineView();
+        int entriesWhenServed = -1;
+        bool loadingWhenServed = false;
+        connect(outline->model(), &QAbstractItemModel::rowsInserted, &page, [&](const QModelIndex& parent) {
+            if (parent.isValid() || entriesWhenServed >= 0) return;
+            entriesWhenServed = 0;
+            QTimer::singleShot(0, &page, [&] {
+                entriesWhenServed = outline->topLevelItemCount();
+                loadingWhenServed = history->isLoading();
+            });
+        });
+        QVERIFY(test::waitUntil([&] { return !history->isLoading(); }));
+        QVERIFY(entriesWhenServed > 0);
+        QVERIFY(entriesWhenServed < entries);
+        QVERIFY(loadingWhenServed);
+        QCOMPARE(outline->topLevelItemCount(), entries);
+        QCOMPARE(outline->topLevelItem(0)->text(0), QString::fromStdString(newest));
+        QVERIFY(outline->topLevelItem(entries - 1)->isExpanded());
+        QCOMPARE(outline->topLevelItem(entries - 1)->childCount(), 3);
     }
 
 private:
