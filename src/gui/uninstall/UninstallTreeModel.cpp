@@ -83,6 +83,14 @@ int UninstallTreeModel::rowCount(const QModelIndex& parent) const {
 
 int UninstallTreeModel::columnCount(const QModelIndex&) const { return ColumnCount; }
 
+// File rows are leaves: saying so lets the expanded tree skip a persistent index per row
+// (thousands of them made opening the panel stall).
+Qt::ItemFlags UninstallTreeModel::flags(const QModelIndex& index) const {
+    Qt::ItemFlags flags = QAbstractItemModel::flags(index);
+    if (recordOf(index) >= 0) flags |= Qt::ItemNeverHasChildren;
+    return flags;
+}
+
 QVariant UninstallTreeModel::data(const QModelIndex& index, int role) const {
     const int group = groupOf(index);
     const QList<AMAppItemList>& groups = m_session->allRelaltedFiles();
