@@ -587,7 +587,6 @@ void SameFileDeleteViewController::delDuplicateItems() {
     m_isClickStopRemove = false;
     m_delNodesArr.clear();
     m_removalLeaves = selection;
-    m_removals = DuplicateRemover::plan(*m_results, m_removalLeaves);
     setBusy(true);
 
     m_progressPanel = new DuplicationDetProgressViewController(this);
@@ -603,6 +602,9 @@ void SameFileDeleteViewController::delDuplicateItems() {
 // refused a removal. The removed copies and the progress reach the page in
 // batches, at most every kRemovalBatchMs.
 QVariant SameFileDeleteViewController::deleteDupFiles(ThreadWorker* worker) {
+    // The plan builds the path of every copy and its siblings: on this worker, so that
+    // the window does not wait for it. The result only changes through the batches below.
+    m_removals = DuplicateRemover::plan(*m_results, m_removalLeaves);
     DuplicateRemover remover;
     QStringList reasons;
     bool refusedByTheSystem = false;
