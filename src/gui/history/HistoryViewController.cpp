@@ -169,6 +169,8 @@ std::shared_ptr<HistoryViewController::OutlineRows> HistoryViewController::makeO
             auto* row = new QTreeWidgetItem(entry, {values.value("Items"), values.value("Erasure Standard"),
                                                     values.value("Result")});
             row->setToolTip(Name, values.value("Items"));
+            // A leaf: the outline's layout then skips looking up whether the row is expanded.
+            row->setFlags(row->flags() | Qt::ItemNeverHasChildren);
             const bool caption = row->text(Name) == "Items";
             for (int column = Name; column <= State; ++column) {
                 row->setFont(column, caption ? captionFont : rowFont);
