@@ -131,8 +131,9 @@ private slots:
         QVERIFY(!pick->chooseButton()->isEnabled());
         QTreeView* tree = pick->treeView();
         const QAbstractItemModel* model = tree->model();
+        // The top of the source is listed in the background once the tree shows it.
+        QVERIFY(waitUntil([model] { return childNamed(model, "docs").isValid(); }));
         QModelIndex docs = childNamed(model, "docs");
-        QVERIFY(docs.isValid());
         QCOMPARE(model->index(docs.row(), CopyFileTreeModel::Size).data().toString(), QString("23 byte"));
 
         // Right opens the folder, which is listed in the background; Space ticks it.
@@ -282,12 +283,7 @@ private slots:
         QVERIFY(waitUntil([this] { return m_page->makeSurePanel() != nullptr; }));
         QTest::mouseClick(m_page->makeSurePanel()->copyButton(), Qt::LeftButton);
         QVERIFY(m_page->copyProgressVC());
-        QVERIFY(m_window->isJobRunning());
-        m_window->requestQuit();
-        QVERIFY(m_window->quitQuestion());
-        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
-        QCOMPARE(stop->text(), QString("Stop and Quit"));
-        stop->click();
+        QVERIFY(test::quitDuringJob(*m_window));
         QVERIFY(waitUntil([this] { return !m_window->isVisible(); }));
         QVERIFY(!m_window->isJobRunning());
         QVERIFY(!m_page->isCopying());

@@ -196,12 +196,7 @@ private slots:
         QTest::keyClicks(confirm->nameField(), "QUITFMT");
         QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
         QVERIFY(m_page->diskTool()->isRunning());
-        QVERIFY(m_window->isJobRunning());
-        m_window->requestQuit();
-        QVERIFY(m_window->quitQuestion());
-        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
-        QCOMPARE(stop->text(), QString("Stop and Quit"));
-        stop->click();
+        QVERIFY(test::quitDuringJob(*m_window));
         QVERIFY(m_page->selectedLabel()->text().endsWith("the window closes when the format has finished."));
         QVERIFY(m_window->isVisible());
         QVERIFY(waitUntil([this] { return !m_window->isVisible(); }, 120000));

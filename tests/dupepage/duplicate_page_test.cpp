@@ -818,12 +818,7 @@ private slots:
             m_page->searchPathChosen(root);
         }
         if (copyPageOver) m_window->showDiskCopyView();  // the menu stays open to a running search
-        QVERIFY(m_window->isJobRunning());
-        m_window->requestQuit();
-        QVERIFY(m_window->quitQuestion());
-        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
-        QCOMPARE(stop->text(), QString("Stop and Quit"));
-        stop->click();
+        QVERIFY(test::quitDuringJob(*m_window));
         QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), kSearchTimeoutMs);
         QVERIFY(!m_window->isJobRunning());
         if (removal) {

@@ -420,12 +420,7 @@ private slots:
         if (browserRuns) startBraveStandIn();
         QTest::mouseClick(m_page->cleanButton(), Qt::LeftButton);
         if (browserRuns) QTRY_VERIFY(m_page->closePanel() && m_page->closePanel()->isVisible());
-        QVERIFY(m_window->isJobRunning());
-        m_window->requestQuit();
-        QVERIFY(m_window->quitQuestion());
-        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
-        QCOMPARE(stop->text(), QString("Stop and Quit"));
-        stop->click();
+        QVERIFY(test::quitDuringJob(*m_window));
         QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), kScanTimeoutMs);
         QVERIFY(!m_window->isJobRunning());
         QCOMPARE(rows(m_firefoxProfile + "/places.sqlite", "moz_historyvisits"), 2LL);

@@ -1,9 +1,11 @@
 #include "support/PageTestSupport.h"
 
+#include "gui/app/MainWindowController.h"
 #include "gui/widgets/Style.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QPushButton>
 #include <QThread>
 
 namespace velmora::test {
@@ -30,6 +32,21 @@ void serveEventsFor(int ms) {
     QElapsedTimer clock;
     clock.start();
     while (!clock.hasExpired(ms)) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+QPushButton* stopAndQuitButton(const MainWindowController& window) {
+    if (!window.quitQuestion()) return nullptr;
+    const QList<QPushButton*> buttons = window.quitQuestion()->findChildren<QPushButton*>();
+    return !buttons.isEmpty() && buttons.last()->text() == "Stop and Quit" ? buttons.last() : nullptr;
+}
+
+bool quitDuringJob(MainWindowController& window) {
+    if (!window.isJobRunning()) return false;
+    window.requestQuit();
+    QPushButton* stop = stopAndQuitButton(window);
+    if (!stop) return false;
+    stop->click();
+    return true;
 }
 
 }  // namespace velmora::test

@@ -2,8 +2,13 @@
 
 #include <functional>
 
+class QPushButton;
 // What the page tests share: the look the pages are laid out for, and serving the
 // event loop while a page or the engine behind it works.
+namespace velmora {
+class MainWindowController;
+}
+
 namespace velmora::test {
 
 // A 12-point application font and the product's style, so that layout checks and
@@ -15,5 +20,13 @@ bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 60000);
 
 // Serves the event loop for a while (animations, deferred deletes).
 void serveEventsFor(int ms);
+
+// The "Stop and Quit" button of the question the window asks when it is closed during a
+// job; null while no such question is open.
+QPushButton* stopAndQuitButton(const MainWindowController& window);
+
+// Closes the window as the red button does while a job runs and answers "Stop and Quit";
+// false when no job runs or the window did not ask.
+bool quitDuringJob(MainWindowController& window);
 
 }  // namespace velmora::test

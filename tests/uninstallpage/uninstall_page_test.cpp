@@ -271,12 +271,7 @@ private slots:
         QTest::mouseClick(m_page->removeButton(), Qt::LeftButton);
         QTRY_VERIFY_WITH_TIMEOUT(m_page->makeSurePanel() && m_page->makeSurePanel()->isVisible(), kTimeoutMs);
         if (removing) QTest::mouseClick(m_page->makeSurePanel()->uninstallButton(), Qt::LeftButton);
-        QVERIFY(m_window->isJobRunning());
-        m_window->requestQuit();
-        QVERIFY(m_window->quitQuestion());
-        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
-        QCOMPARE(stop->text(), QString("Stop and Quit"));
-        stop->click();
+        QVERIFY(test::quitDuringJob(*m_window));
         QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), kTimeoutMs);
         QVERIFY(!m_window->isJobRunning());
         QCOMPARE(exists(home("Applications/Go-1.2-x86_64.AppImage")), !removing);

@@ -552,8 +552,8 @@ private slots:
                                             m_window->closeButton()->size()));
         QTest::mouseClick(standIn->windowHandle(), Qt::LeftButton, {}, standIn->rect().center());
         QVERIFY(waitUntil([this] { return m_window->quitQuestion() != nullptr; }, 5000));
-        auto* stop = m_window->quitQuestion()->findChildren<QPushButton*>().last();
-        QCOMPARE(stop->text(), QString("Stop and Quit"));
+        QPushButton* stop = test::stopAndQuitButton(*m_window);
+        QVERIFY(stop);
         QVERIFY(m_window->isJobRunning());
         stop->click();
         QVERIFY(waitUntil([this] { return !m_window->isVisible(); }, 120000));
