@@ -242,18 +242,8 @@ private slots:
 
     // Cancel stops the copy: the end view says so and never claims a whole copy.
     void cancelStopsTheCopy() {
-        for (int folder = 0; folder < 20; ++folder) {
-            QCOMPARE(mkdir((m_sourceMount + "/f" + std::to_string(folder)).c_str(), 0755), 0);
-            for (int file = 0; file < 40; ++file)
-                test::writeFile(m_sourceMount + "/f" + std::to_string(folder) + "/" + std::to_string(file),
-                                std::string(20000, 'x'));
-        }
-        QVERIFY(openFromMenu());
-        chooseRow(m_page->sourcePicker(), m_sourceMount);
-        chooseRow(m_page->destinationPicker(), m_destinationMount);
-        QTest::mouseClick(m_page->copyButton(), Qt::LeftButton);
-        QVERIFY(waitUntil([this] { return m_page->makeSurePanel() != nullptr; }));
-        QTest::mouseClick(m_page->makeSurePanel()->copyButton(), Qt::LeftButton);
+        startCopyOfManyFiles("f");
+        QVERIFY(!QTest::currentTestFailed());
         CopyProgreViewController* progress = m_page->copyProgressVC();
         QVERIFY(progress);
         QTest::mouseClick(progress->cancelButton(), Qt::LeftButton);
@@ -270,18 +260,8 @@ private slots:
     // "Stop and Quit" during a copy stops it as its Cancel does: what was not reached is
     // not copied, and the window closes once the page has ended the run.
     void quittingDuringACopyStopsItAndCloses() {
-        for (int folder = 0; folder < 20; ++folder) {
-            QCOMPARE(mkdir((m_sourceMount + "/q" + std::to_string(folder)).c_str(), 0755), 0);
-            for (int file = 0; file < 40; ++file)
-                test::writeFile(m_sourceMount + "/q" + std::to_string(folder) + "/" + std::to_string(file),
-                                std::string(20000, 'x'));
-        }
-        QVERIFY(openFromMenu());
-        chooseRow(m_page->sourcePicker(), m_sourceMount);
-        chooseRow(m_page->destinationPicker(), m_destinationMount);
-        QTest::mouseClick(m_page->copyButton(), Qt::LeftButton);
-        QVERIFY(waitUntil([this] { return m_page->makeSurePanel() != nullptr; }));
-        QTest::mouseClick(m_page->makeSurePanel()->copyButton(), Qt::LeftButton);
+        startCopyOfManyFiles("q");
+        QVERIFY(!QTest::currentTestFailed());
         QVERIFY(m_page->copyProgressVC());
         QVERIFY(test::quitDuringJob(*m_window));
         QVERIFY(waitUntil([this] { return !m_window->isVisible(); }));
@@ -420,6 +400,23 @@ private slots:
     }
 
 private:
+    // Fills the source with 800 files of 20 kB in folders named PREFIX0.., and starts
+    // their copy to the destination from the menu, past the confirmation.
+    void startCopyOfManyFiles(const std::string& prefix) {
+        for (int folder = 0; folder < 20; ++folder) {
+            QCOMPARE(mkdir((m_sourceMount + "/" + prefix + std::to_string(folder)).c_str(), 0755), 0);
+            for (int file = 0; file < 40; ++file)
+                test::writeFile(m_sourceMount + "/" + prefix + std::to_string(folder) + "/" + std::to_string(file),
+                                std::string(20000, 'x'));
+        }
+        QVERIFY(openFromMenu());
+        chooseRow(m_page->sourcePicker(), m_sourceMount);
+        chooseRow(m_page->destinationPicker(), m_destinationMount);
+        QTest::mouseClick(m_page->copyButton(), Qt::LeftButton);
+        QVERIFY(waitUntil([this] { return m_page->makeSurePanel() != nullptr; }));
+        QTest::mouseClick(m_page->makeSurePanel()->copyButton(), Qt::LeftButton);
+    }
+
     std::unique_ptr<LoopVolume> mountVolume(const std::string& label, std::string& mountPoint) {
         auto volume = std::make_unique<LoopVolume>(64);
         const std::string problem = volume->formatAndMount("ext4", label, mountPoint);

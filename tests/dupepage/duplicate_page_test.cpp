@@ -134,22 +134,6 @@ bool dragAndDrop(QWidget* target, const QMimeData* data) {
     return true;
 }
 
-// The window with a modal panel over it, as the user sees it: the panel is a
-// window of its own, which a grab of the main window misses.
-void savePanelScreenshot(QWidget* window, QWidget* panel, const QString& name) {
-    QPixmap picture = window->grab();
-    QPainter painter(&picture);
-    painter.fillRect(picture.rect(), QColor(0, 0, 0, 110));
-    const QPixmap front = panel->grab();
-    const QSize size = front.size() / front.devicePixelRatio();
-    painter.drawPixmap(QRect(QPoint((window->width() - size.width()) / 2, (window->height() - size.height()) / 2), size),
-                       front);
-    painter.end();
-    const QString dir = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR", QDir::tempPath() + "/velmora-screenshots");
-    QDir().mkpath(dir);
-    QVERIFY(picture.save(dir + "/" + name + ".png"));
-}
-
 }  // namespace
 
 class DuplicatePageTest : public QObject {
@@ -315,7 +299,7 @@ private slots:
         QVERIFY(m_page->deleteAllCopiesSheet());
         QTRY_VERIFY(m_page->deleteAllCopiesSheet()->isVisible());
         QVERIFY(!results.isSelected(lastCopy));
-        savePanelScreenshot(m_window.get(), m_page->deleteAllCopiesSheet(), "duplicate_last_copy_sheet");
+        QVERIFY(saveScreenshotWithPanel(m_window.get(), m_page->deleteAllCopiesSheet(), "duplicate_last_copy_sheet"));
         QTest::mouseClick(m_page->deleteAllCopiesSheet()->cancelButton(), Qt::LeftButton);
         QVERIFY(!results.isSelected(lastCopy));
         QCOMPARE(group.siblingAtColumn(DuplicateOutlineModel::Selected).data().toString(), QString("2/3"));
@@ -395,7 +379,7 @@ private slots:
         m_page->removeBtnClicked();
         QVERIFY(m_page->markSurePanel());
         QTRY_VERIFY(m_page->markSurePanel()->isVisible());
-        savePanelScreenshot(m_window.get(), m_page->markSurePanel(), "duplicate_confirm_removal");
+        QVERIFY(saveScreenshotWithPanel(m_window.get(), m_page->markSurePanel(), "duplicate_confirm_removal"));
         QTest::mouseClick(m_page->markSurePanel()->continueButton(), Qt::LeftButton);
         QVERIFY(m_page->progressPanel());
         QVERIFY(sidebarLocked(*m_window));
@@ -403,7 +387,7 @@ private slots:
         QTRY_VERIFY(m_page->successPanel()->isVisible());
         QVERIFY(!m_page->progressPanel());
         QVERIFY(!sidebarLocked(*m_window));
-        savePanelScreenshot(m_window.get(), m_page->successPanel(), "duplicate_removal_success");
+        QVERIFY(saveScreenshotWithPanel(m_window.get(), m_page->successPanel(), "duplicate_removal_success"));
 
         for (const QString& path : removed) QVERIFY2(!QFileInfo::exists(path), qPrintable(path));
         for (const QString& path : kept) QVERIFY2(QFileInfo::exists(path), qPrintable(path));
@@ -438,7 +422,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(m_page->failPanel(), kSearchTimeoutMs);
         QCOMPARE(m_page->failPanel()->titleText(), QString("Some files that require admin access can't be removed!"));
         QVERIFY(!m_page->successPanel());
-        savePanelScreenshot(m_window.get(), m_page->failPanel(), "duplicate_removal_failed");
+        QVERIFY(saveScreenshotWithPanel(m_window.get(), m_page->failPanel(), "duplicate_removal_failed"));
         QVERIFY(QFileInfo::exists(results.path(locked)));
         QCOMPARE(results.allSelectNumArr(), QList<Copy>({locked}));
         QCOMPARE(m_page->shownGroups(), std::vector<Group>{music});
@@ -553,7 +537,7 @@ private slots:
 
         m_page->removeBtnClicked();
         QTRY_COMPARE(QApplication::focusWidget(), m_page->markSurePanel()->cancelButton());
-        savePanelScreenshot(m_window.get(), m_page->markSurePanel(), "duplicate_confirm_cancel_default");
+        QVERIFY(saveScreenshotWithPanel(m_window.get(), m_page->markSurePanel(), "duplicate_confirm_cancel_default"));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), m_page->markSurePanel()->continueButton());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
@@ -753,7 +737,7 @@ private slots:
         searchAndWait(root);
         m_page->delDuplicateItems();
         QVERIFY(m_page->progressPanel());
-        savePanelScreenshot(m_window.get(), m_page->progressPanel(), "duplicate_removal_progress");
+        QVERIFY(saveScreenshotWithPanel(m_window.get(), m_page->progressPanel(), "duplicate_removal_progress"));
         m_window.reset();
         qsizetype left = 0;
         for (const char* folder : {"a", "b"}) left += QDir(root + "/" + folder).entryList(QDir::Files).size();
