@@ -93,9 +93,7 @@ private slots:
     void init() {
         m_scratch = std::make_unique<QTemporaryDir>();
         QVERIFY(m_scratch->isValid());
-        for (const QString& key : DoDataBase::returnDoDataBase()->getAllData().keys())
-            DoDataBase::returnDoDataBase()->deleteDataWithKey(key);
-        PublicUtilities::writeUpDataHistoryStr(DoDataBase::kWipeFileHistory, "0");
+        DoDataBase::returnDoDataBase()->deleteAllData();
         m_window = std::make_unique<MainWindowController>();
         m_window->show();
         m_window->activateWindow();

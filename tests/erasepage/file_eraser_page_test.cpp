@@ -111,9 +111,7 @@ private slots:
         m_scratch = std::make_unique<QTemporaryDir>();
         QVERIFY(m_scratch->isValid());
         // Every test starts without history.
-        for (const QString& key : DoDataBase::returnDoDataBase()->getAllData().keys())
-            DoDataBase::returnDoDataBase()->deleteDataWithKey(key);
-        PublicUtilities::writeUpDataHistoryStr("WipeFileHistory", "0");
+        DoDataBase::returnDoDataBase()->deleteAllData();
         m_window = std::make_unique<MainWindowController>();
         m_window->show();
         m_page = qobject_cast<FileEraserViewController*>(m_window->allBaseViewArr().at(0));
