@@ -7,14 +7,14 @@
 #include "engine/platform/NativePath.h"
 
 #include <QDir>
-#include <QJsonArray>
-#include <QJsonObject>
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <cstdio>
 #include <fcntl.h>
 #include <future>
 #include <memory>
+#include <string>
 #include <unistd.h>
 
 namespace velmora::cli {
@@ -70,19 +70,50 @@ void printGroups(const DuplicateResults& results) {
     }
 }
 
+// Appends `text` as a JSON string, escaped the way Qt's JSON writer does.
+void appendJsonString(std::string& out, const QString& text) {
+    out += '"';
+    for (const char c : text.toUtf8()) {
+        switch (c) {
+        case '"': out += "\\\""; break;
+        case '\\': out += "\\\\"; break;
+        case '\b': out += "\\b"; break;
+        case '\f': out += "\\f"; break;
+        case '\n': out += "\\n"; break;
+        case '\r': out += "\\r"; break;
+        case '\t': out += "\\t"; break;
+        default:
+            if (uchar(c) >= 0x20) {
+                out += c;
+            } else {
+                char escape[8];
+                std::snprintf(escape, sizeof escape, "\\u%04x", unsigned(uchar(c)));
+                out += escape;
+            }
+        }
+    }
+    out += '"';
+}
+
 // One group per line, written as it is made: a search with a million copies
 // needs no second copy of the whole result as one JSON document.
 void printGroupsJson(const DuplicateResults& results) {
     std::fputs("{\"groups\": [", stdout);
     const char* separator = "\n";
+    std::string line;
     for (DuplicateResults::Group group : results.groups(DuplicateResults::None)) {
-        QJsonArray files;
-        for (DuplicateResults::Copy copy : results.copies(group)) files.append(escapedPath(results.path(copy)));
-        const QJsonObject object{{"name", escapedPath(results.groupName(group))},
-                                 {"size", double(results.groupSize(group))},
-                                 {"files", files}};
-        std::fputs(separator, stdout);
-        std::fputs(QJsonDocument(object).toJson(QJsonDocument::Compact).constData(), stdout);
+        line = separator;
+        line += "{\"files\":[";
+        const char* comma = "";
+        for (DuplicateResults::Copy copy : results.copies(group)) {
+            line += comma;
+            appendJsonString(line, escapedPath(results.path(copy)));
+            comma = ",";
+        }
+        line += "],\"name\":";
+        appendJsonString(line, escapedPath(results.groupName(group)));
+        line += ",\"size\":" + std::to_string(results.groupSize(group)) + "}";
+        std::fwrite(line.data(), 1, line.size(), stdout);
         separator = ",\n";
     }
     std::fputs("\n]}\n", stdout);

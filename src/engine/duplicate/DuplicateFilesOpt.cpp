@@ -50,6 +50,9 @@ bool DuplicateFilesOpt::getDuplicateFiles(std::unique_ptr<DuplicateResults>& out
     if (m_search->duplicateGroupCount() == 0 && appGroups.isEmpty()) return false;
 
     auto results = std::make_unique<DuplicateResults>(m_search->listing());
+    qsizetype bundleCount = 0;
+    for (const QList<AppAttrbItem>& members : appGroups) bundleCount += members.size();
+    results->reserve(appGroups.size() + m_search->duplicateGroupCount(), bundleCount + m_search->duplicateCopyCount());
     for (const QList<AppAttrbItem>& members : appGroups) {
         QList<DuplicateResults::Bundle> bundles;
         for (const AppAttrbItem& bundle : members)

@@ -26,6 +26,11 @@ const QStringList kPictureExtensions = {"bmp", "jpg", "png", "ico", "gif", "tiff
 
 DuplicateResults::DuplicateResults(std::shared_ptr<const FileListing> files) : m_files(std::move(files)) {}
 
+void DuplicateResults::reserve(qsizetype groups, qsizetype copies) {
+    m_groups.reserve(size_t(groups));
+    m_copies.reserve(size_t(copies));
+}
+
 void DuplicateResults::addBundleGroup(const QList<Bundle>& bundles) {
     GroupRecord group;
     group.firstCopy = Copy(m_copies.size());

@@ -43,6 +43,9 @@ public:
     // bundles) or file groups (copies are indexes into `files`), each copy
     // in its shown order; the last copy is the one kept and names the group.
     explicit DuplicateResults(std::shared_ptr<const FileListing> files);
+    // Room for that many groups and copies in all, so that adding them
+    // copies nothing.
+    void reserve(qsizetype groups, qsizetype copies);
     void addBundleGroup(const QList<Bundle>& bundles);
     void addFileGroup(const std::vector<quint32>& files);
     // Places the groups in their categories; called once all are added.

@@ -18,18 +18,21 @@ class FileListing {
 public:
     struct File {
         quint64 size = 0;
-        quint64 device = 0;
         quint64 inode = 0;
         qint64 modifiedSeconds = 0;
         quint32 modifiedNanoseconds = 0;
         quint32 folder = 0;      // index into the folders
         quint32 nameOffset = 0;  // into the name arena
         quint16 nameLength = 0;
+        quint16 device = 0;      // index into the devices met
     };
+    static constexpr size_t kMaxDevices = 65536;
 
     // Adds a folder given by its absolute path and identity; answers its index.
     quint32 addFolder(const QByteArray& nativePath, const struct stat& st);
-    void addFile(quint32 folder, const char* name, size_t nameLength, const struct stat& st);
+    // False, and nothing added, when the file lies on yet another device
+    // after kMaxDevices of them.
+    bool addFile(quint32 folder, const char* name, size_t nameLength, const struct stat& st);
     // Keeps only the files for which keep(index) is true, in their order.
     template <typename Keep>
     void filter(Keep keep) {
@@ -61,6 +64,7 @@ private:
 
     BlockArray<File, 16384> m_files;
     std::vector<Folder> m_folders;
+    std::vector<quint64> m_devices;
     BlockArray<char, 65536> m_names;  // a name never spans two blocks
 };
 

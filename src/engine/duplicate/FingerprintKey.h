@@ -42,35 +42,12 @@ QList<QList<qsizetype>> classesByKey(const QList<qsizetype>& indices, KeyOf keyO
     return classes;
 }
 
-// The classes of two or more members among `indices` (ascending), in the
-// order classesByKey gives them, found by sorting rather than hashing: for the
-// lists of every listed file, where most classes have one member, this costs
-// no memory per class. `singletons` receives the number of one-member classes.
-template <typename Key, typename KeyOf>
-QList<QList<qsizetype>> sharedClassesBySorting(std::vector<qsizetype> indices, KeyOf keyOf, qsizetype& singletons) {
-    std::sort(indices.begin(), indices.end(), [&](qsizetype x, qsizetype y) {
-        const Key kx = keyOf(x), ky = keyOf(y);
-        return kx < ky || (kx == ky && x < y);
-    });
-    QList<QList<qsizetype>> classes;
-    singletons = 0;
-    for (size_t start = 0; start < indices.size();) {
-        const Key key = keyOf(indices[start]);
-        size_t end = start + 1;
-        while (end < indices.size() && keyOf(indices[end]) == key) ++end;
-        if (end - start == 1) ++singletons;
-        else classes.append(QList<qsizetype>(indices.begin() + qsizetype(start), indices.begin() + qsizetype(end)));
-        start = end;
-    }
-    std::sort(classes.begin(), classes.end(),
-              [](const QList<qsizetype>& x, const QList<qsizetype>& y) { return x.first() < y.first(); });
-    return classes;
-}
-
-// The classes of sharedClassesBySorting, left in place: `indices` ends up
-// sorted by key (ascending indexes within a key) and the answer tells where
-// each class of two or more members begins and ends in it, in the order of
-// the classes' first members. Costs 8 bytes per class and nothing per member.
+// The classes of two or more members among `indices`, found by sorting
+// rather than hashing and left in place: `indices` ends up sorted by key
+// (ascending within a key) and the answer tells where each class begins and
+// ends in it, in the order of the classes' first members. For the lists of
+// every listed file, where most classes have one member, this costs 8 bytes
+// per class and nothing per member.
 template <typename Key, typename KeyOf>
 std::vector<std::pair<quint32, quint32>> sharedRunsBySorting(std::vector<quint32>& indices, KeyOf keyOf) {
     std::sort(indices.begin(), indices.end(), [&](quint32 x, quint32 y) {

@@ -7,8 +7,8 @@
 #include "engine/platform/NativePath.h"
 
 #include <QScopeGuard>
-#include <QSet>
 #include <algorithm>
+#include <mutex>
 #include <numeric>
 #include <vector>
 #include <fcntl.h>
@@ -89,156 +89,176 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     return result;
 }
 
-// Files are equal when size, first-block and whole-file CRC-64 agree. They
-// are sorted into classes by those keys with hash maps; a file is read only
-// while it still shares its class with another file. Each group of equal
-// size is one job of the background pool: its files are opened once, their
-// first blocks read (in batches where io_uring serves) and compared, and
-// those still alike read whole.
+// What the workers found, gathered under a lock: the groups one after the
+// other, each in its shown order, and the files that could not be read.
+struct duplicateFind::Found {
+    struct Group {
+        quint32 first;  // the copy found first, which orders the groups
+        quint32 count;
+        size_t begin;   // in copies
+    };
+    std::mutex mutex;
+    std::vector<quint32> copies;
+    std::vector<Group> groups;
+    std::vector<quint32> failed;
+};
+
+void duplicateFind::settle(qsizetype count) {
+    const qsizetype now = m_settled.fetch_add(count, std::memory_order_relaxed) + count;
+    m_fileProgress.store(int(now * 100 / m_fileCount), std::memory_order_relaxed);
+}
+
+// Files are equal when size, first-block and whole-file CRC-64 agree. The
+// files of each size (an empty file is never a duplicate) are one job of the
+// background pool, found by sorting one list of indexes. A job keeps the
+// fingerprints of its own files only and reports its groups when done, so
+// the search holds no per-file state beyond the listing and that list.
 void duplicateFind::findDuplicateFiles(DescriptorBudget& budget, qsizetype workers) {
     const FileListing& files = *m_files;
-    const qsizetype total = files.size();
-    std::atomic<qsizetype> settled{0};
-    auto settle = [&](qsizetype count) {
-        const qsizetype now = settled.fetch_add(count, std::memory_order_relaxed) + count;
-        m_fileProgress.store(int(now * 100 / total), std::memory_order_relaxed);
-    };
-    std::vector<Stage> stage(size_t(total), Stage::Unread);  // each entry written by one worker
-    std::vector<Fingerprints> prints(static_cast<size_t>(total));
-    const auto sizeOf = [&](qsizetype i) { return files.file(i).size; };
-    const auto firstBlockKey = [&](qsizetype i) { return FingerprintKey{sizeOf(i), prints[size_t(i)].firstBlock, 0}; };
+    m_fileCount = files.size();
+    m_settled.store(0, std::memory_order_relaxed);
+    std::vector<quint32> bySize(static_cast<size_t>(m_fileCount));
+    std::iota(bySize.begin(), bySize.end(), 0u);
+    std::vector<std::pair<quint32, quint32>> sameSize =
+        sharedRunsBySorting<quint64>(bySize, [&](quint32 i) { return files.file(i).size; });
+    std::erase_if(sameSize, [&](const auto& run) { return files.file(bySize[run.first]).size == 0; });
+    qsizetype shared = 0;
+    for (const auto& [begin, end] : sameSize) shared += end - begin;
+    settle(m_fileCount - shared);
 
-    // Same size (an empty file is never a duplicate).
-    QList<QList<qsizetype>> sameSize;
-    {
-        std::vector<qsizetype> all(static_cast<size_t>(total));
-        std::iota(all.begin(), all.end(), 0);
-        qsizetype alone = 0;
-        for (QList<qsizetype>& bySize : sharedClassesBySorting<quint64>(std::move(all), sizeOf, alone)) {
-            if (sizeOf(bySize.first()) > 0) sameSize.append(std::move(bySize));
-            else settle(bySize.size());
-        }
-        settle(alone);
-    }
-
-    FingerprintPool::run(sameSize.size(), [&](algorithm& worker, qsizetype job) {
-        const QList<qsizetype>& members = sameSize[job];
-        // Files stay open between their two reads, up to a bound and while
-        // the descriptor budget allows.
-        const bool keepOpen = members.size() <= kMaxOpenPerSize && budget.tryTake(members.size());
-        const auto giveBack = qScopeGuard([&] {
-            if (keepOpen) budget.giveBack(members.size());
-        });
-        std::vector<OpenedFile> opened(size_t(members.size()));
-        const auto readOneByOne = [&](qsizetype k) {
-            const qsizetype i = members[k];
-            OpenedFile& file = opened[size_t(k)];
-            const bool read = worker.getFirstBlock(files.nativePath(i), files.identity(i), prints[size_t(i)], &file);
-            if (!keepOpen) {
-                worker.forgetFirstBlock(file);
-                file.close();
-            }
-            return read;
-        };
-        const auto record = [&](qsizetype i, bool read) {
-            if (!read) {
-                stage[i] = Stage::Failed;
-                settle(1);
-                return;
-            }
-            stage[i] = prints[size_t(i)].whole != 0 ? Stage::Whole : Stage::FirstBlock;
-        };
-
-        BatchedFirstPages* batched = worker.batchedFirstPages(budget);
-        BatchedFirstPages::Request requests[BatchedFirstPages::kMaxBatch];
-        for (qsizetype start = 0; start < members.size();) {
-            if (stopped()) return;
-            m_CurrentSearchPath.set(files.path(members[start]));
-            // A batch holds its files open at once: the files kept open have
-            // their descriptors already, the others take theirs for the batch.
-            qsizetype count = batched ? qMin<qsizetype>(BatchedFirstPages::kMaxBatch, members.size() - start) : 1;
-            if (batched && !keepOpen)
-                while (count > 1 && !budget.tryTake(count)) count /= 2;
-            if (count > 1 || (batched && keepOpen)) {
-                for (qsizetype k = 0; k < count; ++k) {
-                    const qsizetype i = members[start + k];
-                    // A file that fits in its first page is read whole by then.
-                    const bool keep = keepOpen && files.file(i).size >= algorithm::kFirstPageSize;
-                    requests[k] = {files.nativePath(i), files.identity(i), &prints[size_t(i)],
-                                   &opened[size_t(start + k)], keep, BatchedFirstPages::Outcome::NotTried};
-                }
-                batched->read(requests, size_t(count));
-                if (!keepOpen) budget.giveBack(count);
-                for (qsizetype k = 0; k < count; ++k) {
-                    const BatchedFirstPages::Outcome outcome = requests[k].outcome;
-                    record(members[start + k], outcome == BatchedFirstPages::Outcome::NotTried
-                                                   ? readOneByOne(start + k)
-                                                   : outcome == BatchedFirstPages::Outcome::Read);
-                }
-            } else {
-                record(members[start], readOneByOne(start));
-            }
-            start += count;
-        }
-        QList<qsizetype> readable;  // positions in members
-        for (qsizetype k = 0; k < members.size(); ++k)
-            if (stage[members[k]] != Stage::Failed) readable.append(k);
-
-        // Files whose first page (which holds the first block) is alike are
-        // read whole; the page CRC only saves reads and decides nothing.
-        const auto firstPageKey = [&](qsizetype k) {
-            return qMakePair(firstBlockKey(members[k]), opened[size_t(k)].firstPageCrc);
-        };
-        for (const QList<qsizetype>& alike : classesByKey<QPair<FingerprintKey, quint64>>(readable, firstPageKey)) {
-            for (qsizetype k : alike) {
-                const qsizetype i = members[k];
-                OpenedFile& file = opened[size_t(k)];
-                if (alike.size() < 2 || stage[i] == Stage::Whole) {
-                    if (stage[i] == Stage::FirstBlock) stage[i] = Stage::Distinct;
-                    worker.forgetFirstBlock(file);
-                    settle(1);
-                    continue;
-                }
-                if (stopped()) return;
-                m_CurrentSearchPath.set(files.path(i));
-                stage[i] = worker.getWhole(files.nativePath(i), files.identity(i), prints[size_t(i)], &file)
-                               ? Stage::Whole
-                               : Stage::Failed;
-                settle(1);
-            }
-        }
+    Found found;
+    FingerprintPool::run(qsizetype(sameSize.size()), [&](algorithm& worker, qsizetype job) {
+        const auto [begin, end] = sameSize[size_t(job)];
+        compareSameSize(worker, std::span<const quint32>(bySize.data() + begin, end - begin), budget, found);
     }, m_stop, workers);
+    bySize = {};
+    sameSize = {};
 
-    for (qsizetype i = 0; i < total; ++i)
-        if (stage[i] == Stage::Failed) m_unreadable.append(files.path(i));
+    std::sort(found.failed.begin(), found.failed.end());
+    for (quint32 i : found.failed) m_unreadable.append(files.path(i));
+    std::sort(found.groups.begin(), found.groups.end(), [](const auto& x, const auto& y) { return x.first < y.first; });
+    m_copies.reserve(found.copies.size());
+    m_groupStarts.reserve(found.groups.size());
+    for (const Found::Group& group : found.groups) {
+        m_groupStarts.push_back(quint32(m_copies.size()));
+        m_copies.insert(m_copies.end(), found.copies.begin() + qsizetype(group.begin),
+                        found.copies.begin() + qsizetype(group.begin + group.count));
+    }
+    found.copies = {};
+    found.groups = {};
+    returnFreedMemory();
+}
 
-    // Same whole file. When stopped, a class some of whose files were not
-    // read is left out, so that every group reported is complete.
-    QSet<quint64> unfinishedSizes;
-    QSet<FingerprintKey> unfinishedFirstBlocks;
-    for (const QList<qsizetype>& members : sameSize) {
-        for (qsizetype i : members) {
-            if (stage[i] == Stage::Unread) unfinishedSizes.insert(sizeOf(i));
-            if (stage[i] == Stage::FirstBlock) unfinishedFirstBlocks.insert(firstBlockKey(i));
+// The files are opened once, their first blocks read (in batches where
+// io_uring serves) and compared, and those still alike read whole. A class
+// of files alike is reported only once all of it has been read, so that a
+// stopped search reports complete groups only.
+void duplicateFind::compareSameSize(algorithm& worker, std::span<const quint32> members, DescriptorBudget& budget,
+                                    Found& found) {
+    const FileListing& files = *m_files;
+    const qsizetype count = qsizetype(members.size());
+    std::vector<Stage> stage(members.size(), Stage::Unread);
+    std::vector<Fingerprints> prints(members.size());
+    std::vector<OpenedFile> opened(members.size());
+    // Files stay open between their two reads, up to a bound and while the
+    // descriptor budget allows.
+    const bool keepOpen = count <= kMaxOpenPerSize && budget.tryTake(count);
+    const auto atEnd = qScopeGuard([&] {
+        if (keepOpen) budget.giveBack(count);
+        std::vector<quint32> failed;
+        for (qsizetype k = 0; k < count; ++k)
+            if (stage[k] == Stage::Failed) failed.push_back(members[k]);
+        if (failed.empty()) return;
+        std::lock_guard lock(found.mutex);
+        found.failed.insert(found.failed.end(), failed.begin(), failed.end());
+    });
+    const auto readOneByOne = [&](qsizetype k) {
+        OpenedFile& file = opened[size_t(k)];
+        const bool read = worker.getFirstBlock(files.nativePath(members[k]), files.identity(members[k]), prints[k], &file);
+        if (!keepOpen) {
+            worker.forgetFirstBlock(file);
+            file.close();
+        }
+        return read;
+    };
+    const auto record = [&](qsizetype k, bool read) {
+        if (!read) {
+            stage[k] = Stage::Failed;
+            settle(1);
+            return;
+        }
+        stage[k] = prints[k].whole != 0 ? Stage::Whole : Stage::FirstBlock;
+    };
+
+    BatchedFirstPages* batched = worker.batchedFirstPages(budget);
+    BatchedFirstPages::Request requests[BatchedFirstPages::kMaxBatch];
+    for (qsizetype start = 0; start < count;) {
+        if (stopped()) return;
+        m_CurrentSearchPath.set(files.path(members[start]));
+        // A batch holds its files open at once: the files kept open have
+        // their descriptors already, the others take theirs for the batch.
+        qsizetype batch = batched ? qMin<qsizetype>(BatchedFirstPages::kMaxBatch, count - start) : 1;
+        if (batched && !keepOpen)
+            while (batch > 1 && !budget.tryTake(batch)) batch /= 2;
+        if (batch > 1 || (batched && keepOpen)) {
+            for (qsizetype j = 0; j < batch; ++j) {
+                const quint32 i = members[start + j];
+                // A file that fits in its first page is read whole by then.
+                const bool keep = keepOpen && files.file(i).size >= algorithm::kFirstPageSize;
+                requests[j] = {files.nativePath(i), files.identity(i), &prints[start + j], &opened[size_t(start + j)],
+                               keep, BatchedFirstPages::Outcome::NotTried};
+            }
+            batched->read(requests, size_t(batch));
+            if (!keepOpen) budget.giveBack(batch);
+            for (qsizetype j = 0; j < batch; ++j) {
+                const BatchedFirstPages::Outcome outcome = requests[j].outcome;
+                record(start + j, outcome == BatchedFirstPages::Outcome::NotTried
+                                      ? readOneByOne(start + j)
+                                      : outcome == BatchedFirstPages::Outcome::Read);
+            }
+        } else {
+            record(start, readOneByOne(start));
+        }
+        start += batch;
+    }
+    QList<qsizetype> readable;  // positions in members
+    for (qsizetype k = 0; k < count; ++k)
+        if (stage[k] != Stage::Failed) readable.append(k);
+
+    // Files whose first page (which holds the first block) is alike are
+    // read whole; the page CRC only saves reads and decides nothing.
+    const auto firstPageKey = [&](qsizetype k) { return qMakePair(prints[k].firstBlock, opened[size_t(k)].firstPageCrc); };
+    for (const QList<qsizetype>& alike : classesByKey<QPair<quint64, quint64>>(readable, firstPageKey)) {
+        for (qsizetype k : alike) {
+            OpenedFile& file = opened[size_t(k)];
+            if (alike.size() < 2 || stage[k] == Stage::Whole) {
+                if (stage[k] == Stage::FirstBlock) stage[k] = Stage::Distinct;
+                worker.forgetFirstBlock(file);
+                settle(1);
+                continue;
+            }
+            if (stopped()) return;
+            m_CurrentSearchPath.set(files.path(members[k]));
+            stage[k] = worker.getWhole(files.nativePath(members[k]), files.identity(members[k]), prints[k], &file)
+                           ? Stage::Whole
+                           : Stage::Failed;
+            settle(1);
+        }
+        if (alike.size() < 2) continue;
+        // Same whole file: each group in its shown order, the later copies
+        // (in listing order) first, then the copy found first.
+        std::vector<quint32> whole;
+        for (qsizetype k : alike)
+            if (stage[k] == Stage::Whole) whole.push_back(quint32(k));
+        const auto runs = sharedRunsBySorting<quint64>(whole, [&](quint32 k) { return prints[k].whole; });
+        if (runs.empty()) continue;
+        std::lock_guard lock(found.mutex);
+        for (const auto& [begin, end] : runs) {
+            found.groups.push_back({members[whole[begin]], end - begin, found.copies.size()});
+            for (quint32 r = begin + 1; r < end; ++r) found.copies.push_back(members[whole[r]]);
+            found.copies.push_back(members[whole[begin]]);
         }
     }
-    sameSize = {};
-    returnFreedMemory();
-    std::vector<quint32> comparable;
-    for (qsizetype i = 0; i < total; ++i)
-        if (stage[i] == Stage::Whole && !unfinishedSizes.contains(sizeOf(i)) &&
-            !unfinishedFirstBlocks.contains(firstBlockKey(i)))
-            comparable.push_back(quint32(i));
-    const auto wholeKey = [&](quint32 i) {
-        return FingerprintKey{sizeOf(i), prints[i].firstBlock, prints[i].whole};
-    };
-    for (const auto& [start, end] : sharedRunsBySorting<FingerprintKey>(comparable, wholeKey)) {
-        m_groupStarts.push_back(m_copies.size());
-        m_copies.insert(m_copies.end(), comparable.begin() + start + 1, comparable.begin() + end);
-        m_copies.push_back(comparable[start]);
-    }
-    m_copies.shrink_to_fit();
-    m_groupStarts.shrink_to_fit();
 }
 
 std::vector<quint32> duplicateFind::duplicateGroup(qsizetype group) const {

@@ -12,6 +12,7 @@
 #include <QStringList>
 #include <atomic>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace velmora {
@@ -39,6 +40,7 @@ public:
     // each, the later copies in enumeration order, then the first copy found.
     // A group is given as indexes into the listing.
     qsizetype duplicateGroupCount() const { return qsizetype(m_groupStarts.size()); }
+    qsizetype duplicateCopyCount() const { return qsizetype(m_copies.size()); }
     std::vector<quint32> duplicateGroup(qsizetype group) const;
     const std::shared_ptr<FileListing>& listing() const { return m_files; }
     const QList<QList<AppAttrbItem>>& getAllAppDuplicateDir() const { return m_appGroups; }
@@ -51,7 +53,14 @@ private:
     static constexpr qsizetype kMaxOpenPerSize = 64;  // descriptors one job keeps open
     static constexpr qsizetype kMaxWorkers = 64;      // reading threads, the calling one included
 
+    struct Found;
+
     void findDuplicateFiles(DescriptorBudget& budget, qsizetype workers);
+    // Compares the files of one size (indexes into the listing, ascending)
+    // and adds the groups among them to `found`.
+    void compareSameSize(algorithm& worker, std::span<const quint32> members, DescriptorBudget& budget, Found& found);
+    // Counts files whose fate is known, for the progress.
+    void settle(qsizetype count);
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
 
     bool m_searchHiddenFile = true;
@@ -60,12 +69,14 @@ private:
     std::atomic<bool> m_stop{false};
     std::atomic<int> m_appProgress{0};
     std::atomic<int> m_fileProgress{0};
+    std::atomic<qsizetype> m_settled{0};
+    qsizetype m_fileCount = 0;
     getFileList m_enumerator;
     FindDuplicateApp m_appFinder;
     CurrentPath m_CurrentSearchPath;
     std::shared_ptr<FileListing> m_files = std::make_shared<FileListing>();
     std::vector<quint32> m_copies;      // the groups one after the other, as indexes into the listing
-    std::vector<size_t> m_groupStarts;  // where each group begins in m_copies
+    std::vector<quint32> m_groupStarts;  // where each group begins in m_copies
     QList<QList<AppAttrbItem>> m_appGroups;
     QStringList m_unreadable;
 };

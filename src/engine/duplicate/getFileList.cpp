@@ -2,9 +2,11 @@
 
 #include "engine/duplicate/DescriptorBudget.h"
 #include "engine/duplicate/DuplicateLog.h"
+#include "engine/duplicate/FingerprintPool.h"
 #include "engine/duplicate/PathNames.h"
 #include "engine/platform/NativePath.h"
 
+#include <QThread>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -110,7 +112,10 @@ void getFileList::takeEntry(const Folder& folder, quint32 folderIndex, const cha
         }
     }
     if (S_ISDIR(st.st_mode) || quint64(st.st_size) <= m_limit) return;
-    m_listing->addFile(folderIndex, name, length, st);
+    if (!m_listing->addFile(folderIndex, name, length, st)) {
+        errno = EOVERFLOW;  // on more devices than a listing tells apart
+        reportUnreadable(PathNames::appendComponent(folder.path, pathFromNative(name)));
+    }
 }
 
 void getFileList::recordBundle(const QString& bundle, quint64 size) {
@@ -168,15 +173,19 @@ bool getFileList::listFolder(int& fd, const struct stat& folderStat, const Folde
         struct stat st;
     };
     std::vector<Child> children;
-    while (const dirent* entry = readdir(dir)) {
-        if (isDotOrDotDot(entry->d_name)) continue;
-        struct stat st;
-        if (fstatat(dirfd(dir), entry->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
-        // Links lead elsewhere; FIFOs, sockets and devices are no files to compare.
-        if (!S_ISDIR(st.st_mode) && !S_ISREG(st.st_mode)) continue;
-        children.push_back({QByteArray(entry->d_name), st});
-    }
+    while (const dirent* entry = readdir(dir))
+        if (!isDotOrDotDot(entry->d_name)) children.push_back({QByteArray(entry->d_name), {}});
     closedir(dir);
+    // The entries of a large folder are looked at on several threads.
+    const qsizetype chunks = (qsizetype(children.size()) + kStatChunk - 1) / kStatChunk;
+    FingerprintPool::forEach(chunks, [&](qsizetype chunk) {
+        const size_t end = std::min(children.size(), size_t((chunk + 1) * kStatChunk));
+        for (size_t i = size_t(chunk * kStatChunk); i < end; ++i)
+            if (fstatat(fd, children[i].name.constData(), &children[i].st, AT_SYMLINK_NOFOLLOW) != 0)
+                children[i].st.st_mode = 0;
+    }, QThread::idealThreadCount());
+    // Links lead elsewhere; FIFOs, sockets and devices are no files to compare.
+    std::erase_if(children, [](const Child& child) { return !S_ISDIR(child.st.st_mode) && !S_ISREG(child.st.st_mode); });
 
     // Files and the contents of subfolders are listed in the folder's order.
     for (const Child& child : children) {

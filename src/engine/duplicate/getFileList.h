@@ -33,7 +33,8 @@ public:
     // to directoryArray. Answers whether the top folder could be read.
     bool getListAtPath(const QString& path, FileListing& fileArray, QStringList& directoryArray, quint64 limittedSize);
 
-    // Folders below the chosen one that could not be read, in walk order.
+    // Folders below the chosen one that could not be read, and files that
+    // could not be listed, in walk order.
     const QStringList& unreadableFolders() const { return m_unreadableFolders; }
 
     // True when any component of the path starts with a full stop.
@@ -49,6 +50,8 @@ private:
     using Inode = QPair<quint64, quint64>;  // device, inode
     // At most this many folders stay open along the walk's path, however deep.
     static constexpr int kMaxHeldFolders = 256;
+    // Entries looked at by one thread at a time in a large folder.
+    static constexpr qsizetype kStatChunk = 256;
 
     // A folder being listed: its path both ways, and what its entries inherit.
     struct Folder {
