@@ -8,6 +8,7 @@
 
 #include <QScopeGuard>
 #include <algorithm>
+#include <limits>
 #include <mutex>
 #include <numeric>
 #include <vector>
@@ -89,17 +90,10 @@ bool duplicateFind::searchDuplicateFileAtPath(const QString& path, quint64 limit
     return result;
 }
 
-// What the workers found, gathered under a lock: the groups one after the
-// other, each in its shown order, and the files that could not be read.
+// What the workers share besides the groups: the lock under which they add
+// groups, and the files that could not be read.
 struct duplicateFind::Found {
-    struct Group {
-        quint32 first;  // the copy found first, which orders the groups
-        quint32 count;
-        size_t begin;   // in copies
-    };
     std::mutex mutex;
-    std::vector<quint32> copies;
-    std::vector<Group> groups;
     std::vector<quint32> failed;
 };
 
@@ -126,6 +120,10 @@ void duplicateFind::findDuplicateFiles(DescriptorBudget& budget, qsizetype worke
     for (const auto& [begin, end] : sameSize) shared += end - begin;
     settle(m_fileCount - shared);
 
+    // No more copies than files of a shared size, nor more groups than half
+    // of them: reserved once, only what is written takes memory.
+    m_copies.reserve(size_t(shared));
+    m_groups.reserve(size_t(shared / 2));
     Found found;
     FingerprintPool::run(qsizetype(sameSize.size()), [&](algorithm& worker, qsizetype job) {
         const auto [begin, end] = sameSize[size_t(job)];
@@ -136,17 +134,21 @@ void duplicateFind::findDuplicateFiles(DescriptorBudget& budget, qsizetype worke
 
     std::sort(found.failed.begin(), found.failed.end());
     for (quint32 i : found.failed) m_unreadable.append(files.path(i));
-    std::sort(found.groups.begin(), found.groups.end(), [](const auto& x, const auto& y) { return x.first < y.first; });
-    m_copies.reserve(found.copies.size());
-    m_groupStarts.reserve(found.groups.size());
-    for (const Found::Group& group : found.groups) {
-        m_groupStarts.push_back(quint32(m_copies.size()));
-        m_copies.insert(m_copies.end(), found.copies.begin() + qsizetype(group.begin),
-                        found.copies.begin() + qsizetype(group.begin + group.count));
-    }
-    found.copies = {};
-    found.groups = {};
+    std::sort(m_groups.begin(), m_groups.end(), [](const GroupSpan& x, const GroupSpan& y) { return x.first < y.first; });
+    keepGroupedFilesOnly();
     returnFreedMemory();
+}
+
+void duplicateFind::keepGroupedFilesOnly() {
+    constexpr quint32 kDropped = std::numeric_limits<quint32>::max();
+    std::vector<quint32> newIndex(size_t(m_files->size()), kDropped);
+    for (quint32 copy : m_copies) newIndex[copy] = 0;
+    quint32 kept = 0;
+    for (quint32& index : newIndex)
+        if (index != kDropped) index = kept++;
+    m_files->filter([&](qsizetype i) { return newIndex[size_t(i)] != kDropped; });
+    for (quint32& copy : m_copies) copy = newIndex[copy];
+    for (GroupSpan& group : m_groups) group.first = newIndex[group.first];
 }
 
 // The files are opened once, their first blocks read (in batches where
@@ -254,16 +256,16 @@ void duplicateFind::compareSameSize(algorithm& worker, std::span<const quint32> 
         if (runs.empty()) continue;
         std::lock_guard lock(found.mutex);
         for (const auto& [begin, end] : runs) {
-            found.groups.push_back({members[whole[begin]], end - begin, found.copies.size()});
-            for (quint32 r = begin + 1; r < end; ++r) found.copies.push_back(members[whole[r]]);
-            found.copies.push_back(members[whole[begin]]);
+            m_groups.push_back({members[whole[begin]], quint32(m_copies.size()), end - begin});
+            for (quint32 r = begin + 1; r < end; ++r) m_copies.push_back(members[whole[r]]);
+            m_copies.push_back(members[whole[begin]]);
         }
     }
 }
 
 std::vector<quint32> duplicateFind::duplicateGroup(qsizetype group) const {
-    const size_t end = size_t(group) + 1 < m_groupStarts.size() ? m_groupStarts[size_t(group) + 1] : m_copies.size();
-    return {m_copies.begin() + qsizetype(m_groupStarts[size_t(group)]), m_copies.begin() + qsizetype(end)};
+    const GroupSpan& span = m_groups[size_t(group)];
+    return {m_copies.begin() + span.begin, m_copies.begin() + span.begin + span.count};
 }
 
 int duplicateFind::getProgress() const {

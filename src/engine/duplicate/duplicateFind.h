@@ -39,7 +39,7 @@ public:
     // The groups of duplicate files, in the order of their first copies: in
     // each, the later copies in enumeration order, then the first copy found.
     // A group is given as indexes into the listing.
-    qsizetype duplicateGroupCount() const { return qsizetype(m_groupStarts.size()); }
+    qsizetype duplicateGroupCount() const { return qsizetype(m_groups.size()); }
     qsizetype duplicateCopyCount() const { return qsizetype(m_copies.size()); }
     std::vector<quint32> duplicateGroup(qsizetype group) const;
     const std::shared_ptr<FileListing>& listing() const { return m_files; }
@@ -54,11 +54,20 @@ private:
     static constexpr qsizetype kMaxWorkers = 64;      // reading threads, the calling one included
 
     struct Found;
+    // A group of duplicates: the file found first, which orders the groups,
+    // and where its copies lie in m_copies.
+    struct GroupSpan {
+        quint32 first;
+        quint32 begin;
+        quint32 count;
+    };
 
     void findDuplicateFiles(DescriptorBudget& budget, qsizetype workers);
     // Compares the files of one size (indexes into the listing, ascending)
     // and adds the groups among them to `found`.
     void compareSameSize(algorithm& worker, std::span<const quint32> members, DescriptorBudget& budget, Found& found);
+    // Only files in a group are shown from now on: the listing keeps those alone.
+    void keepGroupedFilesOnly();
     // Counts files whose fate is known, for the progress.
     void settle(qsizetype count);
     bool stopped() const { return m_stop.load(std::memory_order_relaxed); }
@@ -75,8 +84,8 @@ private:
     FindDuplicateApp m_appFinder;
     CurrentPath m_CurrentSearchPath;
     std::shared_ptr<FileListing> m_files = std::make_shared<FileListing>();
-    std::vector<quint32> m_copies;      // the groups one after the other, as indexes into the listing
-    std::vector<quint32> m_groupStarts;  // where each group begins in m_copies
+    std::vector<quint32> m_copies;    // the groups' copies as indexes into the listing, each group in its shown order
+    std::vector<GroupSpan> m_groups;  // in the order of their first files
     QList<QList<AppAttrbItem>> m_appGroups;
     QStringList m_unreadable;
 };
