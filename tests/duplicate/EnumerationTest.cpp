@@ -2,6 +2,8 @@
 #include "engine/duplicate/getFileList.h"
 
 #include <QSet>
+#include <cstring>
+#include <dirent.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -124,6 +126,46 @@ TEST(Enumeration, PseudoFileSystemsAreKnownByTheirMountEntry) {
     const PseudoFileSystems now = PseudoFileSystems::mountedNow();
     EXPECT_TRUE(now.contains(proc.st_dev));
     EXPECT_FALSE(now.contains(temporary.st_dev));
+}
+
+// The entries of a folder, as readdir gives them: regular files, and each
+// folder's contents in its place; links, FIFOs and the rest left out.
+void listInReaddirOrder(const QString& folder, const QString& prefix, QStringList& out) {
+    DIR* dir = opendir(qPrintable(folder));
+    ASSERT_NE(dir, nullptr);
+    QStringList names;
+    while (const dirent* entry = readdir(dir))
+        if (strcmp(entry->d_name, ".") != 0 && strcmp(entry->d_name, "..") != 0) names.append(entry->d_name);
+    closedir(dir);
+    for (const QString& name : names) {
+        struct stat st;
+        ASSERT_EQ(lstat(qPrintable(folder + '/' + name), &st), 0);
+        if (S_ISREG(st.st_mode)) out.append(prefix + name);
+        if (S_ISDIR(st.st_mode)) listInReaddirOrder(folder + '/' + name, prefix + name + '/', out);
+    }
+}
+
+// A large folder is looked at on several threads: its files still come in
+// the folder's order, each subfolder's contents in its place.
+TEST(Enumeration, ALargeFolderKeepsItsOrder) {
+    test::TestTree tree;
+    for (int i = 0; i < 700; ++i) {
+        const QString name = QString("e%1").arg(i);
+        if (i % 97 == 5) tree.write(name + "/inner/x", "data");
+        else if (i % 89 == 7) ASSERT_EQ(symlink(qPrintable(tree.path("e0")), qPrintable(tree.path(name))), 0);
+        else if (i % 83 == 11) ASSERT_EQ(mkfifo(qPrintable(tree.path(name)), 0600), 0);
+        else tree.write(name, QByteArray::number(i));
+    }
+    QStringList expected;
+    listInReaddirOrder(tree.path(), {}, expected);
+
+    getFileList enumerator;
+    FileListing files;
+    QStringList bundles;
+    ASSERT_TRUE(enumerator.getListAtPath(tree.path(), files, bundles, 0));
+    QStringList listed;
+    for (qsizetype i = 0; i < files.size(); ++i) listed.append(files.path(i).mid(tree.path().size() + 1));
+    EXPECT_EQ(listed, expected);
 }
 
 TEST(Enumeration, SystemFoldersAreTopLevelOnly) {
