@@ -1,5 +1,5 @@
-// Erase Files: adding a folder of 200,000 small and empty files in nested folders,
-// confirming, and the run until the end view. The page runs a fast stand-in of srm
+// Erase Files: dropping 200,000 single files, adding a folder of as many small and
+// empty files in nested folders, confirming, and the run until the end view. The page runs a fast stand-in of srm
 // (bench_gui_fast_srm: the tool's protocol, real removal, no overwriting), so that the
 // page, not the disk, sets the pace.
 #include "GuiBench.h"
@@ -11,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QPushButton>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -19,12 +20,15 @@
 namespace velmora::bench {
 namespace {
 
+QString filePath(const QString& root, int index) {
+    return root + QString("/part %1/sub/file %2.txt").arg(index / 1000, 3, 10, QChar('0')).arg(index);
+}
+
 // `files` files, a thousand to a folder, every tenth with a few bytes.
 void makeTree(const QString& root, int files) {
     for (int index = 0; index < files; ++index) {
-        const QByteArray folder = nativePath(root + QString("/part %1/sub").arg(index / 1000, 3, 10, QChar('0')));
-        if (index % 1000 == 0) QDir().mkpath(pathFromNative(folder));
-        const QByteArray path = folder + "/file " + QByteArray::number(index) + ".txt";
+        const QByteArray path = nativePath(filePath(root, index));
+        if (index % 1000 == 0) QDir().mkpath(QFileInfo(pathFromNative(path)).path());
         const int fd = open(path.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
         if (fd < 0) continue;
         if (index % 10 == 0 && write(fd, "some text\n", 10) != 10) qWarning("cannot write %s", path.constData());
@@ -49,10 +53,20 @@ void benchEraseFiles(BenchContext& context) {
     const QByteArray binDirBefore = qgetenv("VELMORA_BIN_DIR");
     useFastSrm(context);
 
+    const QString count = QString::number(files);
+    {
+        QStringList singleFiles;
+        for (int index = 0; index < files; ++index) singleFiles.append(filePath(folder, index));
+        FileEraserViewController page(nullptr);
+        page.resize(1000, 680);
+        page.show();
+        context.measure("Erase Files", "drop " + count + " single files", [&] { page.viewDragAction(singleFiles); },
+                        [&] { return page.listView()->isVisible() && page.listView()->x() == 0; });
+    }
+
     FileEraserViewController page(nullptr);
     page.resize(1000, 680);
     page.show();
-    const QString count = QString::number(files);
     context.measure("Erase Files", "add a folder of " + count + " files", [&] { page.viewDragAction({folder}); },
                     [&] { return page.listView()->isVisible() && page.listView()->x() == 0; });
 

@@ -36,12 +36,14 @@
 #include <QAction>
 #include <QDir>
 #include <QFutureWatcher>
+#include <QHash>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QPropertyAnimation>
+#include <QSet>
 #include <QTableView>
 #include <QTimer>
 #include <QUrl>
@@ -58,18 +60,6 @@ constexpr int kContentTop = 100;
 const QString kUnseenHistoryKey = "FileHistoryUnseen";
 constexpr int kSlideMs = 500;
 constexpr int kProgressRefreshMs = 50;
-
-// The size of the item itself: a link counts as the link, not its target.
-quint64 itemSize(const QString& path) {
-    struct stat info;
-    return statWithoutFollowing(nativePath(path), &info) == 0 ? quint64(info.st_size) : 0;
-}
-
-// Whether the item itself (a link is the link) is a folder.
-bool isFolder(const QString& path) {
-    struct stat info;
-    return statWithoutFollowing(nativePath(path), &info) == 0 && S_ISDIR(info.st_mode);
-}
 
 ImageToggle* headerButton(const QString& image, const QString& tip, QWidget* parent) {
     auto* button = new ImageToggle(image, parent, 26);
@@ -333,16 +323,34 @@ void FileEraserViewController::addSelectedPaths(const QStringList& paths) {
         showNTFSWindow();
         return;
     }
+    // A drop of many single items is checked in one pass: against a set of
+    // what is listed, and each device's volume asked once.
+    QSet<QString> listed;
+    listed.reserve(m_valueArr.size() + paths.size());
+    for (const FileObj& record : std::as_const(m_valueArr)) listed.insert(record.url);
+    QHash<dev_t, bool> refusedDevice;
+    bool refused = false;
     for (const QString& chosen : paths) {
         // cleanPath edits the text only, so the bytes of every name stay as they are.
         const QString path = QDir::cleanPath(chosen);
         // The whole system is never a candidate: the add ends here, silently.
         if (path == "/") return;
-        const bool listed = std::any_of(m_valueArr.cbegin(), m_valueArr.cend(),
-                                        [&path](const FileObj& record) { return record.url == path; });
-        if (listed) continue;
-        addFileToArr(path, isFolder(path));
+        if (listed.contains(path)) continue;
+        // The item itself: a link counts as the link, not its target.
+        struct stat info;
+        const bool exists = statWithoutFollowing(nativePath(path), &info) == 0;
+        if (exists) {
+            auto device = refusedDevice.constFind(info.st_dev);
+            if (device == refusedDevice.constEnd()) device = refusedDevice.insert(info.st_dev, ReadOnlyVolume::contains(path));
+            if (device.value()) {
+                refused = true;
+                continue;
+            }
+        }
+        listed.insert(path);
+        addFileToArr(path, exists && S_ISDIR(info.st_mode), exists ? quint64(info.st_size) : 0);
     }
+    if (refused) showNTFSWindow();
     if (m_valueArr.isEmpty()) return;
     reloadData();
     // A sorted list stays sorted, so that the sort menu's tick stays true.
@@ -352,11 +360,7 @@ void FileEraserViewController::addSelectedPaths(const QStringList& paths) {
     returnSelectAllState();
 }
 
-void FileEraserViewController::addFileToArr(const QString& path, bool isDir) {
-    if (ReadOnlyVolume::contains(path)) {
-        showNTFSWindow();
-        return;
-    }
+void FileEraserViewController::addFileToArr(const QString& path, bool isDir, quint64 size) {
     FileObj record;
     record.name = path.mid(path.lastIndexOf('/') + 1);
     record.url = path;
@@ -365,7 +369,7 @@ void FileEraserViewController::addFileToArr(const QString& path, bool isDir) {
     if (isDir) {
         record.type = "Folder";
     } else {
-        record.size = itemSize(path);
+        record.size = size;
         const qsizetype dot = record.name.lastIndexOf('.');
         record.type = dot < 0 ? QString() : record.name.mid(dot + 1);
     }

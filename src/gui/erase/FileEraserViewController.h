@@ -41,7 +41,7 @@ public:
     void selectFileButtonAction();
     void viewDragAction(const QStringList& paths);
     void addSelectedPaths(const QStringList& paths);
-    void addFileToArr(const QString& path, bool isDir);
+    void addFileToArr(const QString& path, bool isDir, quint64 size);
     void emptyListButtonAction();
 
     // Selection.
