@@ -1,6 +1,7 @@
 // The heavy steps of the Erase Files page and its history panel run off the window's
 // thread: right after each is started the window is free again, the page shows that the
 // work is under way, and an event posted meanwhile is served before the work ends.
+#include "support/HeldThreadPool.h"
 #include "support/HistoryEntries.h"
 #include "support/PageTestSupport.h"
 #include "engine/history/DoDataBase.h"
@@ -68,6 +69,34 @@ private slots:
         QCOMPARE(page.deleteErrorArr().size(), 1);
         QCOMPARE(page.deleteErrorArr().first().failStr, QString("Cancelled"));
         QVERIFY(QFile::exists(folder + "/part19/f999"));
+    }
+
+    // A drop of many single paths is checked on a worker while the window serves its
+    // events; a batch dropped meanwhile follows it, and a path in both is listed once.
+    void aLargeDropIsCheckedOffTheWindowThread() {
+        QTemporaryDir scratch;
+        QStringList first;
+        for (int index = 0; index < 1500; ++index) {
+            first.append(scratch.filePath(QString("f%1.txt").arg(index)));
+            QVERIFY(QFile(first.last()).open(QIODevice::WriteOnly));
+        }
+        const QString later = scratch.filePath("later.txt");
+        QVERIFY(QFile(later).open(QIODevice::WriteOnly));
+        FileEraserViewController page(nullptr);
+        page.show();
+
+        auto held = std::make_unique<test::HeldThreadPool>();
+        page.addSelectedPaths(first);
+        QVERIFY(test::postedEventIsServed());
+        QVERIFY(page.isAddingPaths());
+        QVERIFY(page.valueArr().isEmpty());
+        page.addSelectedPaths({first.last(), later});
+        held.reset();
+        QVERIFY(test::waitUntil([&] { return !page.isAddingPaths() && page.valueArr().size() == 1501; }));
+        QStringList listed;
+        for (const FileObj& record : page.valueArr()) listed.append(record.url);
+        QCOMPARE(listed, first + QStringList{later});
+        QVERIFY(page.listView()->isVisible());
     }
 
     // The end of a run is recorded in the history on a worker thread; its outcome shows

@@ -323,18 +323,50 @@ void FileEraserViewController::addSelectedPaths(const QStringList& paths) {
         showNTFSWindow();
         return;
     }
-    // A drop of many single items is checked in one pass: against a set of
-    // what is listed, and each device's volume asked once.
+    // Batches are added in the order they came.
+    if (m_addingPaths) {
+        m_pendingPaths.append(paths);
+        return;
+    }
+    if (paths.size() <= kPathsCheckedInline) {
+        addCheckedPaths(checkPaths(paths, listedPaths(), m_listRevision));
+        return;
+    }
+    // Each path is looked at on the disk: many are checked on a worker.
+    m_addingPaths = true;
+    setCursor(Qt::BusyCursor);
+    auto* watcher = new QFutureWatcher<CheckedPaths>(this);
+    connect(watcher, &QFutureWatcher<CheckedPaths>::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        m_addingPaths = false;
+        unsetCursor();
+        addCheckedPaths(watcher->result());
+        while (!m_addingPaths && !m_pendingPaths.isEmpty()) addSelectedPaths(m_pendingPaths.takeFirst());
+    });
+    watcher->setFuture(QtConcurrent::run(&FileEraserViewController::checkPaths, paths, listedPaths(), m_listRevision));
+}
+
+QSet<QString> FileEraserViewController::listedPaths() const {
     QSet<QString> listed;
-    listed.reserve(m_valueArr.size() + paths.size());
-    for (const FileObj& record : std::as_const(m_valueArr)) listed.insert(record.url);
+    listed.reserve(m_valueArr.size());
+    for (const FileObj& record : m_valueArr) listed.insert(record.url);
+    return listed;
+}
+
+FileEraserViewController::CheckedPaths FileEraserViewController::checkPaths(const QStringList& paths,
+                                                                            QSet<QString> listed, int revision) {
+    CheckedPaths checked;
+    checked.revision = revision;
+    // Items on one device share its file system: each device's volume is asked once.
     QHash<dev_t, bool> refusedDevice;
-    bool refused = false;
     for (const QString& chosen : paths) {
         // cleanPath edits the text only, so the bytes of every name stay as they are.
         const QString path = QDir::cleanPath(chosen);
         // The whole system is never a candidate: the add ends here, silently.
-        if (path == "/") return;
+        if (path == "/") {
+            checked.stoppedAtRoot = true;
+            break;
+        }
         if (listed.contains(path)) continue;
         // The item itself: a link counts as the link, not its target.
         struct stat info;
@@ -343,14 +375,33 @@ void FileEraserViewController::addSelectedPaths(const QStringList& paths) {
             auto device = refusedDevice.constFind(info.st_dev);
             if (device == refusedDevice.constEnd()) device = refusedDevice.insert(info.st_dev, ReadOnlyVolume::contains(path));
             if (device.value()) {
-                refused = true;
+                checked.refused = true;
                 continue;
             }
         }
         listed.insert(path);
-        addFileToArr(path, exists && S_ISDIR(info.st_mode), exists ? quint64(info.st_size) : 0);
+        checked.records.append(record(path, exists && S_ISDIR(info.st_mode), exists ? quint64(info.st_size) : 0));
     }
-    if (refused) showNTFSWindow();
+    return checked;
+}
+
+void FileEraserViewController::addCheckedPaths(const CheckedPaths& checked) {
+    if (m_valueArr.isEmpty()) {
+        m_valueArr = checked.records;
+        ++m_listRevision;
+    } else {
+        // The list may have changed while the paths were checked.
+        const QSet<QString> listed = checked.revision == m_listRevision ? QSet<QString>() : listedPaths();
+        m_valueArr.reserve(m_valueArr.size() + checked.records.size());
+        for (const FileObj& added : checked.records) {
+            if (listed.contains(added.url)) continue;
+            m_valueArr.append(added);
+            ++m_listRevision;
+        }
+    }
+    // Stopped at "/": what came before it is listed, without a refresh.
+    if (checked.stoppedAtRoot) return;
+    if (checked.refused) showNTFSWindow();
     if (m_valueArr.isEmpty()) return;
     reloadData();
     // A sorted list stays sorted, so that the sort menu's tick stays true.
@@ -361,6 +412,11 @@ void FileEraserViewController::addSelectedPaths(const QStringList& paths) {
 }
 
 void FileEraserViewController::addFileToArr(const QString& path, bool isDir, quint64 size) {
+    m_valueArr.append(record(path, isDir, size));
+    ++m_listRevision;
+}
+
+FileObj FileEraserViewController::record(const QString& path, bool isDir, quint64 size) {
     FileObj record;
     record.name = path.mid(path.lastIndexOf('/') + 1);
     record.url = path;
@@ -373,8 +429,7 @@ void FileEraserViewController::addFileToArr(const QString& path, bool isDir, qui
         const qsizetype dot = record.name.lastIndexOf('.');
         record.type = dot < 0 ? QString() : record.name.mid(dot + 1);
     }
-    m_valueArr.append(record);
-    ++m_listRevision;
+    return record;
 }
 
 void FileEraserViewController::emptyListButtonAction() {

@@ -3,6 +3,7 @@
 #include "engine/erase/FileObj.h"
 
 #include <QPointer>
+#include <QSet>
 #include <QWidget>
 
 class QLabel;
@@ -42,6 +43,8 @@ public:
     void viewDragAction(const QStringList& paths);
     void addSelectedPaths(const QStringList& paths);
     void addFileToArr(const QString& path, bool isDir, quint64 size);
+    // Whether a large batch of chosen paths is being checked on a worker.
+    bool isAddingPaths() const { return m_addingPaths; }
     void emptyListButtonAction();
 
     // Selection.
@@ -111,6 +114,21 @@ protected:
 
 private:
     static constexpr int kListPeek = 54;  // how far the hidden list keeps out of the page
+    // Batches up to this size are checked on the window's thread.
+    static constexpr qsizetype kPathsCheckedInline = 1000;
+
+    // The records a batch of chosen paths adds, as checked against the list
+    // of `revision`.
+    struct CheckedPaths {
+        FileObjList records;
+        int revision = 0;
+        bool refused = false;        // some lay on a volume that cannot be erased here
+        bool stoppedAtRoot = false;  // "/" ended the batch
+    };
+    static CheckedPaths checkPaths(const QStringList& paths, QSet<QString> listed, int revision);
+    static FileObj record(const QString& path, bool isDir, quint64 size);
+    QSet<QString> listedPaths() const;
+    void addCheckedPaths(const CheckedPaths& checked);
 
     void createHeader();
     void addShortcuts();
@@ -152,6 +170,8 @@ private:
     int m_eraserTimeR = 0;
     QString m_newPathStr;
     bool m_reopenPending = false;
+    bool m_addingPaths = false;
+    QList<QStringList> m_pendingPaths;  // batches chosen while one is checked
 
     RemoveFileAndFolder* m_engine = nullptr;
     QTimer* m_eraserTimer;
