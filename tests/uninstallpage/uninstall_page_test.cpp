@@ -396,6 +396,20 @@ private slots:
         QCOMPARE(m_page->makeSurePanel()->treeModel()->index(0, 0).data().toString(), QString("Go"));
         m_page->makeSurePanel()->reject();
         QTRY_VERIFY(m_page->isCanClick());
+
+        // Several applications are counted as they are done; a stop (quitting) while they
+        // are gathered ends the gathering with nothing to confirm.
+        tick("Krita");
+        const QPointer<MakeSureUninstallViewController> rejected = m_page->makeSurePanel();
+        held = std::make_unique<test::HeldThreadPool>();
+        m_page->uninstallAppButtonAction();
+        QCOMPARE(m_page->scanningLabel()->text(), QString("Related files 0/2"));
+        m_page->stopJob();
+        held.reset();
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->isCanClick(), kTimeoutMs);
+        QCOMPARE(m_page->makeSurePanel(), rejected.data());
+        QVERIFY(!rejected->isVisible());
+        QVERIFY(!m_page->scanningLabel()->isVisible());
     }
 
 private:

@@ -399,28 +399,42 @@ void UninstallViewController::oneAppRemove(int row) {
 }
 
 // Sizing the related files of large applications takes a while: the lists are gathered
-// on the background queue while the page waits, locked.
+// on the background queue while the page waits, locked, and counts the applications done.
 void UninstallViewController::collectRelatedFiles(const AMAppItemList& applications) {
     setBusy(true);
     QList<AMAppItem> records;
     for (const AMAppItemPtr& item : applications) records.append(*item);
     AMAppItemList installed;
     for (const AMAppItemPtr& item : m_inventory->allApplications()) installed.append(AMAppItemPtr::create(*item));
-    using Found = QPair<QList<AMAppItemList>, QStringList>;  // the groups and the running applications
-    auto* watcher = new QFutureWatcher<Found>(this);
-    connect(watcher, &QFutureWatcher<Found>::finished, this, [this, watcher] {
+    auto* watcher = new QFutureWatcher<RelatedFiles>(this);
+    m_relatedSearch = watcher;
+    connect(watcher, &QFutureWatcher<RelatedFiles>::finished, this, [this, watcher] {
         watcher->deleteLater();
-        const Found found = watcher->result();
+        // Stopped before the end: nothing to confirm.
+        if (watcher->future().resultCount() == 0) {
+            m_scanningLabel->hide();
+            setBusy(false);
+            return;
+        }
+        const RelatedFiles found = watcher->result();
         showSelectListWindiwWith(found.first, found.second);
     });
-    m_scanningLabel->setText("Looking for related files…");
+    const auto showCount = [this, total = records.size()](int done) {
+        m_scanningLabel->setText(total < 2 ? QString("Looking for related files…")
+                                           : QString("Related files %1/%2").arg(done).arg(total));
+    };
+    connect(watcher, &QFutureWatcher<RelatedFiles>::progressValueChanged, this, showCount);
+    showCount(0);
     m_scanningLabel->show();
-    watcher->setFuture(QtConcurrent::run([records, installed] {
+    watcher->setFuture(QtConcurrent::run([records, installed](QPromise<RelatedFiles>& promise) {
+        promise.setProgressRange(0, int(records.size()));
         QList<AMAppItemList> groups;
-        for (const AMAppItem& record : records)
+        for (const AMAppItem& record : records) {
+            if (promise.isCanceled()) return;
             groups.append(RelatedAppFilesScanner::relatedFilesToApplication(record, installed));
-        const QStringList running = UninstallSession::runningApplicationsOf(groups);
-        return Found{groups, running};
+            promise.setProgressValue(int(groups.size()));
+        }
+        promise.addResult(RelatedFiles{groups, UninstallSession::runningApplicationsOf(groups)});
     }));
 }
 
@@ -507,6 +521,7 @@ void UninstallViewController::completeCleanRelatedFiles() {
 void UninstallViewController::stopJob() {
     if (m_isCanClick) return;  // no job
     m_stopRequested = true;
+    if (m_relatedSearch) m_relatedSearch->cancel();
     if (m_makeSure && m_makeSure->isVisible())
         m_makeSure->reject();
     else if (m_progress && m_progress->isEndViewShown())

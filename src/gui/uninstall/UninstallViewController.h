@@ -2,6 +2,7 @@
 
 #include "engine/uninstall/AMAppItem.h"
 
+#include <QFutureWatcher>
 #include <QPointer>
 #include <QWidget>
 
@@ -74,6 +75,7 @@ public:
     QPushButton* selectAllButton() const { return m_selectAllButton; }
     QPushButton* removeButton() const { return m_removeButton; }
     QLabel* counterLabel() const { return m_counterLabel; }
+    QLabel* scanningLabel() const { return m_scanningLabel; }
     QString counterText() const;  // the counter without its markup
     QString nameHeaderText() const;
     MakeSureUninstallViewController* makeSurePanel() const;
@@ -128,6 +130,9 @@ private:
 
     QPointer<FileEraserSortVC> m_sortMenu;
     UninstallSession* m_session = nullptr;
+    // The related files of each application, and the applications running.
+    using RelatedFiles = QPair<QList<AMAppItemList>, QStringList>;
+    QPointer<QFutureWatcher<RelatedFiles>> m_relatedSearch;  // while they are gathered
     QPointer<MakeSureUninstallViewController> m_makeSure;
     QPointer<UninstallProgressViewController> m_progress;
     bool m_stopRequested = false;
