@@ -203,6 +203,18 @@ private slots:
         window.canChangeType(true);
         QTest::mouseClick(window.allTypeButArr().at(5), Qt::LeftButton);
         QCOMPARE(window.indexSelectView(), 5);
+
+        // Jobs of two pages at once: the window stays locked, and asks before quitting,
+        // until both have ended.
+        QObject search, copy;
+        window.canChangeType(false, &search);
+        window.canChangeType(false, &copy);
+        window.canChangeType(true, &search);
+        QVERIFY(window.isJobRunning());
+        QVERIFY(!window.allTypeButArr().at(0)->isEnabled());
+        window.canChangeType(true, &copy);
+        QVERIFY(!window.isJobRunning());
+        QVERIFY(window.allTypeButArr().at(0)->isEnabled());
     }
 
     // While a modal panel blocks the window the window system drops clicks on it, the red

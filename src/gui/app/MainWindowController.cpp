@@ -366,10 +366,12 @@ void MainWindowController::slideToSlot(int oldSlot, int newSlot) {
     m_slide->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
-void MainWindowController::canChangeType(bool canChange) {
-    for (SidebarButton* button : std::as_const(m_allTypeButArr)) button->setButtonEnden(canChange);
-    m_jobRunning = !canChange;
-    if (canChange && m_quitWhenJobEnds) {
+void MainWindowController::canChangeType(bool canChange, const QObject* page) {
+    if (canChange) m_jobPages.remove(page);
+    else m_jobPages.insert(page);
+    m_jobRunning = !m_jobPages.isEmpty();
+    for (SidebarButton* button : std::as_const(m_allTypeButArr)) button->setButtonEnden(!m_jobRunning);
+    if (!m_jobRunning && m_quitWhenJobEnds) {
         // The page has taken the job's end (history, result); now quit.
         m_quitWhenJobEnds = false;
         QTimer::singleShot(0, this, &MainWindowController::quitNow);

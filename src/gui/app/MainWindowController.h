@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QPointer>
+#include <QSet>
 #include <QWidget>
 #include <memory>
 
@@ -43,7 +44,9 @@ public:
 
     static int slotForTag(int tag);
     void mouseClickAction(int tag);
-    void canChangeType(bool canChange);
+    // A page locks the sidebar while its job runs and unlocks it at the end; with jobs
+    // of two pages at once (a drive copy over a search) it stays locked until both end.
+    void canChangeType(bool canChange, const QObject* page = nullptr);
     void removeFolderInWipeVolumes();
     // Adds an entry to the application menu, which the sidebar's menu button opens;
     // the button shows once the menu has an entry.
@@ -116,6 +119,7 @@ private:
     QPointer<QWidget> m_quitQuestion;
     QPointer<QParallelAnimationGroup> m_slide;
     bool m_jobRunning = false;
+    QSet<const QObject*> m_jobPages;  // the pages whose job runs
     bool m_quitWhenJobEnds = false;
     bool m_quitting = false;
     DiskCopyViewController* m_diskCopyView = nullptr;

@@ -364,7 +364,7 @@ void DiskCopyViewController::copyEnded(const CopyResult& result) {
 
 void DiskCopyViewController::lockNavigation(bool locked) {
     m_closeButton->setEnabled(!locked);
-    if (m_superDelegate) m_superDelegate->canChangeType(!locked);
+    if (m_superDelegate) m_superDelegate->canChangeType(!locked, this);
 }
 
 }  // namespace velmora

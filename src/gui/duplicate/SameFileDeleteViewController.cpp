@@ -718,7 +718,7 @@ bool SameFileDeleteViewController::hasFocusInside() const {
 // Searching and removing lock the sidebar, the buttons and the outline.
 void SameFileDeleteViewController::setBusy(bool busy) {
     m_isCanClick = !busy;
-    if (m_superDelegate) m_superDelegate->canChangeType(!busy);
+    if (m_superDelegate) m_superDelegate->canChangeType(!busy, this);
     m_chooseButton->setEnabled(!busy);
     m_searchAgainButton->setEnabled(!busy);
     m_emptyView->chooseButton()->setEnabled(!busy);

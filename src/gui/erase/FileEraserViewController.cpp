@@ -663,7 +663,7 @@ void FileEraserViewController::doEraserSelectFiles() {
             Qt::QueuedConnection);
 
     const FileObjList eraseList = EraseList::build(m_valueArr);
-    if (m_superDelegate) m_superDelegate->canChangeType(false);
+    if (m_superDelegate) m_superDelegate->canChangeType(false, this);
     m_eraserTimeR = 0;
     m_eraserTimer->start();
     eraserTimeAction();
@@ -789,7 +789,7 @@ void FileEraserViewController::showRunOutcome(const FileObjList& remaining) {
     showMainView();
     returnSelectAllState();
     // Last, so that a quit waiting for the end of the run finds everything recorded.
-    if (m_superDelegate) m_superDelegate->canChangeType(true);
+    if (m_superDelegate) m_superDelegate->canChangeType(true, this);
 }
 
 QString FileEraserViewController::erasedFolderHolding(const QString& path, const QStringList& erasedFolders) {

@@ -499,7 +499,7 @@ void InternetViewController::stopJob() {
 void InternetViewController::setBusy(bool busy) {
     m_isCanClick = !busy;
     if (!busy) m_stopRequested = false;
-    if (m_superDelegate) m_superDelegate->canChangeType(!busy);
+    if (m_superDelegate) m_superDelegate->canChangeType(!busy, this);
     m_scanButton->setEnabled(!busy);
     m_backButton->setEnabled(!busy);
     m_thoroughButton->setEnabled(!busy);

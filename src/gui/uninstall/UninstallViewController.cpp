@@ -534,7 +534,7 @@ void UninstallViewController::stopJob() {
 void UninstallViewController::setBusy(bool busy) {
     m_isCanClick = !busy;
     if (!busy) m_stopRequested = false;
-    if (m_superDelegate) m_superDelegate->canChangeType(!busy);
+    if (m_superDelegate) m_superDelegate->canChangeType(!busy, this);
     m_searchField->setEnabled(!busy);
     m_sortButton->setEnabled(!busy);
     m_tableView->setEnabled(!busy);

@@ -316,7 +316,7 @@ void RepairDiskViewController::stopJob() {
 
 void RepairDiskViewController::lockSidebar(bool locked) {
     m_formatRunning = locked;
-    if (m_superDelegate) m_superDelegate->canChangeType(!locked);
+    if (m_superDelegate) m_superDelegate->canChangeType(!locked, this);
 }
 
 }  // namespace velmora

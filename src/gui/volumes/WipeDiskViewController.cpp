@@ -351,7 +351,7 @@ void WipeDiskViewController::showEndEraser(bool succeeded, const QString& endTex
 }
 
 void WipeDiskViewController::lockSidebar(bool locked) {
-    if (m_superDelegate) m_superDelegate->canChangeType(!locked);
+    if (m_superDelegate) m_superDelegate->canChangeType(!locked, this);
 }
 
 void WipeDiskViewController::stopJob() {
