@@ -1,6 +1,8 @@
 #include "support/LayoutCheck.h"
+#include "support/QtTestSupport.h"
 #include "support/Screenshot.h"
 #include "engine/erase/EraserLevel.h"
+#include "gui/app/HelperToolsCheck.h"
 #include "gui/app/MainWindowController.h"
 #include "gui/volumes/RepairDiskViewController.h"
 #include "gui/volumes/WipeDiskViewController.h"
@@ -17,6 +19,7 @@
 #include <QMenu>
 #include <QLocalServer>
 #include <QProcess>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -310,6 +313,26 @@ private slots:
         QCOMPARE(first.readAllStandardOutput(), QByteArray());
         first.terminate();
         QVERIFY(first.waitForFinished(10000));
+    }
+
+    // The window over an incomplete installation names every missing helper program and
+    // closes with Escape.
+    void missingHelpersAreNamedInAPanel() {
+        QTemporaryDir noTools;
+        const test::ScopedEnv binDir("VELMORA_BIN_DIR", noTools.path());
+        MainWindowController window;
+        window.show();
+        QWidget* panel = warnAboutMissingHelperTools(&window);
+        QVERIFY(panel);
+        QTRY_VERIFY(panel->isVisible());
+        QString shown;
+        for (const QLabel* label : panel->findChildren<QLabel*>()) shown += label->text() + '\n';
+        for (const QString& path : missingHelperTools()) QVERIFY2(shown.contains(path), qPrintable(shown));
+        QVERIFY(shown.contains(noTools.path() + "/srm"));
+        saveScreenshotWithPanel(&window, panel, "shell_missing_helpers");
+        QPointer<QWidget> open = panel;
+        QTest::keyClick(panel, Qt::Key_Escape);
+        QTRY_VERIFY(!open);
     }
 
     // Missing helper programs are told in a window, and in the velmora.app log, which is

@@ -4,7 +4,14 @@
 #include "engine/platform/NativePath.h"
 #include "engine/platform/StandardPaths.h"
 
-#include <QMessageBox>
+#include "gui/widgets/ImageSetButton.h"
+#include "gui/widgets/MAAttachedWindow.h"
+#include "gui/widgets/PanelContent.h"
+#include "gui/widgets/Style.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
 #include <unistd.h>
 
 namespace velmora {
@@ -18,21 +25,30 @@ QStringList missingHelperTools() {
     return missing;
 }
 
-void warnAboutMissingHelperTools(QWidget* parent) {
+QWidget* warnAboutMissingHelperTools(QWidget* parent) {
     const QStringList missing = missingHelperTools();
-    if (missing.isEmpty()) return;
+    if (missing.isEmpty()) return nullptr;
     QStringList shown;
     for (const QString& path : missing) {
         qCWarning(lcApp, "helper program missing: %s", qPrintable(escapedPath(path)));
         shown.append(displayPath(path));
     }
-    auto* box = new QMessageBox(QMessageBox::Warning, "Velmora Data Eraser is incomplete",
-                                "These helper programs were not found, so the jobs that need them will fail. "
-                                "Install the application again.",
-                                QMessageBox::Ok, parent);
-    box->setDetailedText(shown.join('\n'));
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
+    auto* panel = new MAAttachedWindow(parent, {520, 210 + 22 * int(shown.size())});
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setObjectName("missingHelpers");
+    QVBoxLayout* layout =
+        PanelContent::addMessage(panel, "ic_warning", "Velmora Data Eraser is incomplete",
+                                 "These helper programs were not found, so the jobs that need them will fail. "
+                                 "Install the application again.");
+    QLabel* paths = Style::label(shown.join('\n'), 12, true);
+    paths->setTextFormat(Qt::PlainText);
+    layout->addWidget(paths);
+    auto* ok = ImageSetButton::primary("OK", panel);
+    PanelContent::addButtons(layout, {ok});
+    panel->setCancelButton(ok);
+    QObject::connect(ok, &QPushButton::clicked, panel, &QDialog::accept);
+    panel->open();
+    return panel;
 }
 
 }  // namespace velmora

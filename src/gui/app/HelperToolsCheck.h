@@ -10,9 +10,9 @@ namespace velmora {
 // (StandardPaths::toolPath), as their paths; empty when the installation is whole.
 QStringList missingHelperTools();
 
-// Says in a window over `parent` (and in the velmora.app log) which helper tools are
+// Says in a panel over `parent` (and in the velmora.app log) which helper tools are
 // missing, so an incomplete installation is told at launch instead of failing in
-// the middle of an erasure. Does nothing when none is missing.
-void warnAboutMissingHelperTools(QWidget* parent);
+// the middle of an erasure; answers the panel. Does nothing when none is missing.
+QWidget* warnAboutMissingHelperTools(QWidget* parent);
 
 }  // namespace velmora
