@@ -2,8 +2,10 @@
 // device is listed, chosen and (in free-space mode) wiped through the page.
 #include "support/LoopVolume.h"
 #include "support/KeyboardWalk.h"
+#include "support/VolumeTable.h"
 #include "support/PanelScreenshot.h"
 #include "support/TempDataDir.h"
+#include "support/TestFiles.h"
 #include "support/PageTestSupport.h"
 #include "engine/erase/EraserLevel.h"
 #include "engine/erase/PublicUtilities.h"
@@ -45,29 +47,11 @@ using velmora::test::loopDevicesUnavailable;
 using keyboardwalk::focused;
 using keyboardwalk::press;
 using keyboardwalk::tabTo;
-
-namespace {
+using volumetable::cell;
+using volumetable::clickRow;
+using volumetable::rowOfDevice;
 
 constexpr const char* kLabel = "VELPAGE";
-
-int rowOfDevice(const WipeDiskViewController* page, const QString& device) {
-    for (int row = 0; row < page->allVolumeArr().size(); ++row)
-        if (page->allVolumeArr().at(row).volumePath == device) return row;
-    return -1;
-}
-
-QString cell(const WipeDiskViewController* page, int row, int column, int role = Qt::DisplayRole) {
-    return page->tableView()->model()->index(row, column).data(role).toString();
-}
-
-void clickRow(WipeDiskViewController* page, int row) {
-    QTableView* table = page->tableView();
-    table->scrollTo(table->model()->index(row, VolumeTableModel::Name));
-    const QRect rect = table->visualRect(table->model()->index(row, VolumeTableModel::Name));
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, rect.center());
-}
-
-}  // namespace
 
 class WipeDiskPageTest : public QObject {
     Q_OBJECT
@@ -110,15 +94,15 @@ private slots:
 
         const int row = rowOfDevice(m_page, m_device);
         const QStorageInfo storage(m_mountPoint);
-        QCOMPARE(cell(m_page, row, VolumeTableModel::Name), QString(kLabel));
-        QCOMPARE(cell(m_page, row, VolumeTableModel::Type), QString("ext4"));
-        QCOMPARE(cell(m_page, row, VolumeTableModel::TotalSize), QString("67.11 MB"));
+        QCOMPARE(cell(m_page->tableView(), row, VolumeTableModel::Name), QString(kLabel));
+        QCOMPARE(cell(m_page->tableView(), row, VolumeTableModel::Type), QString("ext4"));
+        QCOMPARE(cell(m_page->tableView(), row, VolumeTableModel::TotalSize), QString("67.11 MB"));
         const qint64 free = m_page->allVolumeArr().at(row).volumeFreeSizeNum;
         // What the file system reports moves a little while ext4 settles after mounting.
         QVERIFY2(qAbs(free - storage.bytesFree()) < (4 << 20),
                  qPrintable(QString("%1 listed, %2 free").arg(free).arg(storage.bytesFree())));
-        QCOMPARE(cell(m_page, row, VolumeTableModel::FreeSize), VolumeScanner::byteToSizeWithByte(free));
-        QCOMPARE(cell(m_page, row, VolumeTableModel::CheckBox, FileEraserTableModel::ImageRole),
+        QCOMPARE(cell(m_page->tableView(), row, VolumeTableModel::FreeSize), VolumeScanner::byteToSizeWithByte(free));
+        QCOMPARE(cell(m_page->tableView(), row, VolumeTableModel::CheckBox, FileEraserTableModel::ImageRole),
                  QString("radiobutton_no"));
         serveEventsFor(600);  // the pages' slide ends
         QVERIFY(saveScreenshot(m_window.get(), "wipe_page_erase_hard_drive"));
@@ -129,7 +113,7 @@ private slots:
         QCOMPARE(m_page->titleLabel()->text(), QString("Erase Free Space"));
         QVERIFY(m_page->isVisible());
         QCOMPARE(int(m_page->allVolumeArr().size()), listed);
-        clickRow(m_page, row);
+        clickRow(m_page->tableView(), row);
         QVERIFY(saveScreenshot(m_window.get(), "wipe_page_erase_free_space"));
     }
 
@@ -143,12 +127,12 @@ private slots:
         QVERIFY(m_page->selectedLabel()->text().isEmpty());
 
         const int row = rowOfDevice(m_page, m_device);
-        clickRow(m_page, row);
+        clickRow(m_page->tableView(), row);
         QCOMPARE(m_page->selectIndex(), row);
         QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
         QVERIFY(m_page->wipeButton()->isEnabled());
         for (int other = 0; other < m_page->allVolumeArr().size(); ++other)
-            QCOMPARE(cell(m_page, other, VolumeTableModel::CheckBox, FileEraserTableModel::ImageRole),
+            QCOMPARE(cell(m_page->tableView(), other, VolumeTableModel::CheckBox, FileEraserTableModel::ImageRole),
                      QString(other == row ? "radiobutton_sel" : "radiobutton_no"));
 
         m_page->getallVolumes();
@@ -210,10 +194,7 @@ private slots:
         QVERIFY(rowOfDevice(m_page, m_device) != chosenRow);
         QVERIFY(confirm->isVisible());
         QCOMPARE(m_page->selectVolumeObj().volRootDir, m_device);
-        QFile otherFile(QString::fromStdString(otherMount) + "/other.txt");
-        QVERIFY(otherFile.open(QIODevice::WriteOnly));
-        otherFile.write("other volume");
-        otherFile.close();
+        test::writeFile(otherMount + "/other.txt", "other volume");
 
         QTest::mouseClick(confirm->continueButton(), Qt::LeftButton);
         QVERIFY(waitUntil([this] { return m_page->successPanel() || m_page->failPanel(); }, 240000));
@@ -244,7 +225,7 @@ private slots:
         QCOMPARE(VolumeTableModel::iconName(m_page->allVolumeArr().at(startupRow)),
                  QString(m_page->allVolumeArr().at(startupRow).bCanEject ? "ic_usb" : "ic_os"));
 
-        clickRow(m_page, startupRow);
+        clickRow(m_page->tableView(), startupRow);
         QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
         QVERIFY(qobject_cast<SystemEraserViewController*>(m_page->noticePanel()));
         QVERIFY(m_page->noticePanel()->isVisible());
@@ -270,19 +251,10 @@ private slots:
     // sidebar locked, the success view, the history record and flag, and the
     // volume's own files kept.
     void freeSpaceWipeRunsToItsSuccessView() {
-        QFile kept(m_mountPoint + "/kept.txt");
-        QVERIFY(kept.open(QIODevice::WriteOnly));
-        kept.write("still here");
-        kept.close();
-
-        m_window->mouseClickAction(2);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
-        serveEventsFor(600);
-        clickRow(m_page, rowOfDevice(m_page, m_device));
+        test::writeFile(m_mountPoint.toStdString() + "/kept.txt", "still here");
+        QVERIFY(openConfirmation(2));
         QCOMPARE(m_page->historyButton()->imageName(), QString("ic_nohistory"));
-        QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
         MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
-        QVERIFY(confirm && confirm->isVisible());
         QVERIFY(PanelContent::messageLabel(confirm)->isVisible());
         QVERIFY(saveScreenshotWith(m_window.get(), confirm, "wipe_page_free_space_confirmation"));
 
@@ -323,10 +295,7 @@ private slots:
     // failure view: the folder behind the link is untouched and history says "Failed".
     void redirectedFillFolderEndsInTheFailureView() {
         QTemporaryDir outside;
-        QFile precious(outside.filePath("precious.txt"));
-        QVERIFY(precious.open(QIODevice::WriteOnly));
-        precious.write("keep me");
-        precious.close();
+        test::writeFile(outside.filePath("precious.txt").toStdString(), "keep me");
         QVERIFY(QFile::link(outside.path(), m_mountPoint + "/.Velmora"));
         const QStringList before = results("Erase Free Space");
 
@@ -419,10 +388,7 @@ private slots:
     // bar) and then the fill (its percentage); the end view names the volume over the
     // fixed text, and the history records it. Nothing written before survives.
     void wholeDriveEraseShowsBothStagesAndNamesTheVolume() {
-        QFile old(m_mountPoint + "/old.txt");
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("old data");
-        old.close();
+        test::writeFile(m_mountPoint.toStdString() + "/old.txt", "old data");
         const QStringList before = results("Erase Hard Drive");
         QVERIFY(openConfirmation(1));
         MakeSureWipeDiskViewController* confirm = m_page->makeSureDiskPanel();
@@ -459,9 +425,7 @@ private slots:
     // ends the run in the failure view, with its mark and the volume named; the run is
     // recorded as failed and the files stay.
     void wholeDriveRunWithoutTheDiskUtilityEndsInTheFailureView() {
-        QFile kept(m_mountPoint + "/kept.txt");
-        QVERIFY(kept.open(QIODevice::WriteOnly));
-        kept.close();
+        test::writeFile(m_mountPoint.toStdString() + "/kept.txt", "");
         const QStringList before = results("Erase Hard Drive");
         QVERIFY(openConfirmation(1));
         qputenv("VELMORA_DISKUTIL", "/bin/false");
@@ -572,7 +536,7 @@ private:
         if (!waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }))
             return nullptr;
         serveEventsFor(600);
-        clickRow(m_page, rowOfDevice(m_page, m_device));
+        clickRow(m_page->tableView(), rowOfDevice(m_page, m_device));
         QTest::mouseClick(m_page->wipeButton(), Qt::LeftButton);
         MAAttachedWindow* confirm = tag == 1 ? static_cast<MAAttachedWindow*>(m_page->makeSureDiskPanel())
                                              : static_cast<MAAttachedWindow*>(m_page->makeSureFreeSpacePanel());
