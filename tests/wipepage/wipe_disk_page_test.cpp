@@ -82,9 +82,12 @@ private slots:
         m_volume.reset();
     }
 
-    // Switching to the page scans; the loop volume shows with its name, type
-    // and sizes. The other mode switches in place and keeps the list.
-    void listsTheLoopVolumeInBothModes() {
+    // Switching to the page scans; the loop volume shows with its name, type and sizes.
+    // The other mode switches in place and keeps the list. Nothing chosen: no button. A
+    // click chooses the row; a rescan clears and re-applies the choice by its device node
+    // and UUID; when the chosen volume is unmounted the choice goes, and never moves to
+    // whatever row took its place.
+    void listsAndChoosesTheLoopVolumeInBothModes() {
         m_window->mouseClickAction(1);
         QVERIFY(m_page->busyIndicator()->isVisible() || rowOfDevice(m_page, m_device) >= 0);
         QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0; }));
@@ -113,27 +116,19 @@ private slots:
         QCOMPARE(m_page->titleLabel()->text(), QString("Erase Free Space"));
         QVERIFY(m_page->isVisible());
         QCOMPARE(int(m_page->allVolumeArr().size()), listed);
-        clickRow(m_page->tableView(), row);
-        QVERIFY(saveScreenshot(m_window.get(), "wipe_page_erase_free_space"));
-    }
-
-    // Nothing chosen: no button. A click chooses the row; a rescan clears and
-    // re-applies the choice by its device node and UUID; when the chosen volume is
-    // unmounted the choice goes, and never moves to whatever row took its place.
-    void selectionTextAndButtonRules() {
-        m_window->mouseClickAction(2);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
         QVERIFY(!m_page->wipeButton()->isEnabled());
         QVERIFY(m_page->selectedLabel()->text().isEmpty());
-
-        const int row = rowOfDevice(m_page, m_device);
-        clickRow(m_page->tableView(), row);
-        QCOMPARE(m_page->selectIndex(), row);
+        // Volumes that other tests on this machine mount meanwhile move the rows.
+        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
+        const int chosen = rowOfDevice(m_page, m_device);
+        clickRow(m_page->tableView(), chosen);
+        QVERIFY(saveScreenshot(m_window.get(), "wipe_page_erase_free_space"));
+        QCOMPARE(m_page->selectIndex(), chosen);
         QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
         QVERIFY(m_page->wipeButton()->isEnabled());
         for (int other = 0; other < m_page->allVolumeArr().size(); ++other)
             QCOMPARE(cell(m_page->tableView(), other, VolumeTableModel::CheckBox, FileEraserTableModel::ImageRole),
-                     QString(other == row ? "radiobutton_sel" : "radiobutton_no"));
+                     QString(other == chosen ? "radiobutton_sel" : "radiobutton_no"));
 
         m_page->getallVolumes();
         QVERIFY(!m_page->wipeButton()->isEnabled());
@@ -153,25 +148,6 @@ private slots:
 
     // A volume mounted while the confirmation is open rescans the list; the
     // confirmed run still acts on the volume that was chosen, found by its device.
-    // From the keyboard: Down and Up in the focused list choose the volume below and
-    // above, as in a group of radio buttons; the choice stops at the ends.
-    void arrowKeysChooseAVolume() {
-        m_window->mouseClickAction(2);
-        QVERIFY(waitUntil([this] { return rowOfDevice(m_page, m_device) >= 0 && !m_page->busyIndicator()->isVisible(); }));
-        QTableView* table = m_page->tableView();
-        QCOMPARE(table->focusPolicy(), Qt::TabFocus);
-        const int rows = int(m_page->allVolumeArr().size());
-        const int row = rowOfDevice(m_page, m_device);
-        for (int step = 0; step <= row; ++step) QTest::keyClick(table, Qt::Key_Down);
-        QCOMPARE(m_page->selectIndex(), row);
-        QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
-        QVERIFY(m_page->wipeButton()->isEnabled());
-        for (int step = 0; step < rows + 1; ++step) QTest::keyClick(table, Qt::Key_Down);
-        QCOMPARE(m_page->selectIndex(), rows - 1);
-        for (int step = 0; step < rows + 1; ++step) QTest::keyClick(table, Qt::Key_Up);
-        QCOMPARE(m_page->selectIndex(), 0);
-    }
-
     void mountEventsWhileTheConfirmationIsOpenKeepTheChosenVolume() {
         QVERIFY(openConfirmation(2));
         MakeSureWipeFreeSpaceViewController* confirm = m_page->makeSureFreeSpacePanel();
@@ -325,10 +301,11 @@ private slots:
         QTest::mouseClick(m_page->failPanel()->okButton(), Qt::LeftButton);
     }
 
-    // From the keyboard alone, in both modes: Tab reaches the list (Down chooses) and
-    // "Erase Now"; Space opens the confirmation with Cancel focused and default. Enter
-    // closes it without starting anything, also with the focus moved to Continue, and
-    // Escape closes it too.
+    // From the keyboard alone, in both modes: Tab reaches the list, where Down and Up
+    // choose the volume below and above, as in a group of radio buttons, and stop at the
+    // ends; Tab reaches "Erase Now"; Space opens the confirmation with Cancel focused and
+    // default. Enter closes it without starting anything, also with the focus moved to
+    // Continue, and Escape closes it too.
     void keyboardNeverStartsAnEraseByEnter() {
         const QStringList before = results("Erase Free Space") + results("Erase Hard Drive");
         for (int tag : {1, 2}) {
@@ -338,9 +315,16 @@ private slots:
             m_window->activateWindow();
             QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
             QVERIFY(tabTo(m_page->tableView()));
-            for (int step = 0; step < m_page->allVolumeArr().size() && m_page->selectVolumeObj().volumePath != m_device; ++step)
+            const int rows = int(m_page->allVolumeArr().size());
+            for (int step = 0; step <= rows; ++step) press(Qt::Key_Down);
+            QCOMPARE(m_page->selectIndex(), rows - 1);
+            for (int step = 0; step <= rows; ++step) press(Qt::Key_Up);
+            QCOMPARE(m_page->selectIndex(), 0);
+            for (int step = 0; step < rows && m_page->selectVolumeObj().volumePath != m_device; ++step)
                 press(Qt::Key_Down);
             QCOMPARE(m_page->selectVolumeObj().volumePath, m_device);
+            QCOMPARE(m_page->selectedLabel()->text(), QString("You have selected: %1").arg(kLabel));
+            QVERIFY(m_page->wipeButton()->isEnabled());
             QVERIFY(tabTo(m_page->wipeButton()));
 
             const auto confirmation = [this, tag]() -> MAAttachedWindow* {
