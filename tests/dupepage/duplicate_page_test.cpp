@@ -46,6 +46,8 @@
 #include <unistd.h>
 
 using namespace velmora;
+using velmora::test::dragAndDrop;
+using velmora::test::sidebarLocked;
 
 namespace {
 
@@ -109,29 +111,11 @@ QPushButton* buttonNamed(QWidget* parent, const QString& text) {
     return nullptr;
 }
 
-bool sidebarLocked(const MainWindowController& window) {
-    for (SidebarButton* button : window.allTypeButArr())
-        if (button->isEnabled()) return false;
-    return true;
-}
-
 // Lets the layouts requested by the last change run, as they would before
 // the next paint, then saves the picture.
 void screenshot(QWidget* window, const QString& name) {
     QCoreApplication::processEvents();
     QVERIFY(saveScreenshot(window, name));
-}
-
-// Drags the data over the widget and drops it there: a drop reaches only
-// the widget that accepted the drag. Answers whether the drag was accepted.
-bool dragAndDrop(QWidget* target, const QMimeData* data) {
-    const QPointF where(target->width() / 2.0, 20);
-    QDragEnterEvent enter(where.toPoint(), Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(target, &enter);
-    if (!enter.isAccepted()) return false;
-    QDropEvent drop(where, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(target, &drop);
-    return true;
 }
 
 }  // namespace

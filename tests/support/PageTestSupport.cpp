@@ -1,9 +1,11 @@
 #include "support/PageTestSupport.h"
 
 #include "gui/app/MainWindowController.h"
+#include "gui/widgets/SidebarButton.h"
 #include "gui/widgets/Style.h"
 
 #include <QApplication>
+#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QPushButton>
 #include <QThread>
@@ -32,6 +34,22 @@ void serveEventsFor(int ms) {
     QElapsedTimer clock;
     clock.start();
     while (!clock.hasExpired(ms)) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+bool sidebarLocked(const MainWindowController& window) {
+    for (SidebarButton* button : window.allTypeButArr())
+        if (button->isEnabled()) return false;
+    return true;
+}
+
+bool dragAndDrop(QWidget* target, const QMimeData* data) {
+    const QPoint where(target->width() / 2, qMin(20, target->height() / 2));
+    QDragEnterEvent enter(where, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    if (!enter.isAccepted()) return false;
+    QDropEvent drop(QPointF(where), Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &drop);
+    return true;
 }
 
 QPushButton* stopAndQuitButton(const MainWindowController& window) {

@@ -2,7 +2,9 @@
 
 #include <functional>
 
+class QMimeData;
 class QPushButton;
+class QWidget;
 // What the page tests share: the look the pages are laid out for, and serving the
 // event loop while a page or the engine behind it works.
 namespace velmora {
@@ -24,6 +26,13 @@ void serveEventsFor(int ms);
 // The "Stop and Quit" button of the question the window asks when it is closed during a
 // job; null while no such question is open.
 QPushButton* stopAndQuitButton(const MainWindowController& window);
+
+// Whether every sidebar entry is disabled, as while a page runs a job.
+bool sidebarLocked(const MainWindowController& window);
+
+// Drags the data over the widget and drops it there, as the window system delivers it:
+// the drop reaches only a widget that accepted the drag. Answers whether it was accepted.
+bool dragAndDrop(QWidget* target, const QMimeData* data);
 
 // Closes the window as the red button does while a job runs and answers "Stop and Quit";
 // false when no job runs or the window did not ask.
