@@ -411,11 +411,6 @@ void FileEraserViewController::addCheckedPaths(const CheckedPaths& checked) {
     returnSelectAllState();
 }
 
-void FileEraserViewController::addFileToArr(const QString& path, bool isDir, quint64 size) {
-    m_valueArr.append(record(path, isDir, size));
-    ++m_listRevision;
-}
-
 FileObj FileEraserViewController::record(const QString& path, bool isDir, quint64 size) {
     FileObj record;
     record.name = path.mid(path.lastIndexOf('/') + 1);

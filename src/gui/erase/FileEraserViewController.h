@@ -42,7 +42,6 @@ public:
     void selectFileButtonAction();
     void viewDragAction(const QStringList& paths);
     void addSelectedPaths(const QStringList& paths);
-    void addFileToArr(const QString& path, bool isDir, quint64 size);
     // Whether a large batch of chosen paths is being checked on a worker.
     bool isAddingPaths() const { return m_addingPaths; }
     void emptyListButtonAction();
@@ -126,6 +125,7 @@ private:
         bool stoppedAtRoot = false;  // "/" ended the batch
     };
     static CheckedPaths checkPaths(const QStringList& paths, QSet<QString> listed, int revision);
+    // One record of the list, selected (no duplicate check of its own).
     static FileObj record(const QString& path, bool isDir, quint64 size);
     QSet<QString> listedPaths() const;
     void addCheckedPaths(const CheckedPaths& checked);
