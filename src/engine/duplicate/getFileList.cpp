@@ -86,6 +86,7 @@ bool getFileList::getListAtPath(const QString& path, FileListing& fileArray, QSt
     m_unreadableFolders.clear();
     m_pseudoFileSystems = PseudoFileSystems::mountedNow();
     // Half of what is free now, so the reading threads that follow find theirs.
+    m_statThreads = QThread::idealThreadCount();
     m_heldFolderLimit = int(qBound<qsizetype>(1, DescriptorBudget::availableNow() / 2, qsizetype(kMaxHeldFolders)));
     const Folder root{path, native, IsHiddenFile(path), bundleOfPath(path)};
     if (!m_pseudoFileSystems.contains(st.st_dev)) listFolder(fd, st, root, true, 0);
@@ -183,7 +184,7 @@ bool getFileList::listFolder(int& fd, const struct stat& folderStat, const Folde
         for (size_t i = size_t(chunk * kStatChunk); i < end; ++i)
             if (fstatat(fd, children[i].name.constData(), &children[i].st, AT_SYMLINK_NOFOLLOW) != 0)
                 children[i].st.st_mode = 0;
-    }, QThread::idealThreadCount());
+    }, m_statThreads);
     // Links lead elsewhere; FIFOs, sockets and devices are no files to compare.
     std::erase_if(children, [](const Child& child) { return !S_ISDIR(child.st.st_mode) && !S_ISREG(child.st.st_mode); });
 

@@ -95,6 +95,7 @@ private:
     QStringList m_unreadableFolders;
     QString m_rootPath;
     int m_heldFolderLimit = kMaxHeldFolders;
+    int m_statThreads = 1;  // threads that look at a large folder's entries, set once per walk
 };
 
 }  // namespace velmora
